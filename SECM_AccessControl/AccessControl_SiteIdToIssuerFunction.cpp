@@ -1,0 +1,50 @@
+#include "SECM_AccessControl/AccessControl_SiteIdToIssuerFunction.h"
+
+#include "SECM_AccessControl/ConfigurationPaths.h"
+#include "SECM_AccessControl/Log.h"
+#include "platform/configuration/CFG_RepositoryServices.h"
+
+#include <memory>
+
+namespace {
+
+constexpr LogOrigin sitesLog{"SECM_AccessControl/AccessControl_SiteIdToIssuerFunction",
+                             "AccessControl_SiteIdToIssuerFunction::Initialize"};
+
+} // namespace
+
+AccessControl_ValuesFunctionInterface* AccessControl_SiteIdToIssuerFunction::CreateInstance()
+{
+    return new AccessControl_SiteIdToIssuerFunction;
+}
+
+AccessControl_SiteIdToIssuerFunction::~AccessControl_SiteIdToIssuerFunction() = default;
+
+bool AccessControl_SiteIdToIssuerFunction::Initialize(std::string /*configuration*/)
+{
+    const CFG_RepositoryServices* repository = CFG_Factory::GetRepositoryServices();
+    if (repository == nullptr) {
+        SECM_LOG(sitesLog, failureLevel, "Could not create CFG instance\n");
+        return false;
+    }
+    const std::unique_ptr<CFG_NameList> sites(repository->GetChildNames(configuration_paths::sites));
+    const int count = sites ? sites->GetCount() : 0;
+    for (int index = 0; index < count; ++index) {
+        std::string site = sites->GetName(index);
+        const RWCString issuer = repository->GetValueByPath(
+            RWCString(configuration_paths::sites) + "\\" + site.c_str() + configuration_paths::issuer);
+        if (!site.empty() && issuer.length() != 0) {
+            siteIssuers.insert_or_assign(std::move(site), std::string(issuer.data(), issuer.length()));
+        }
+    }
+    defaultIssuer = static_cast<const char*>(
+        repository->GetValueByPath(RWCString(configuration_paths::system) + configuration_paths::issuer));
+    return true;
+}
+
+bool AccessControl_SiteIdToIssuerFunction::MapValue(const std::string& siteId, std::string& issuer)
+{
+    const auto found = siteIssuers.find(siteId);
+    issuer = found != siteIssuers.end() ? found->second : defaultIssuer;
+    return true;
+}

@@ -1,0 +1,173 @@
+// From a user's permissions to the filter. Both roads run one composition; they differ only in whom they ask.
+#include "SECM_AccessControl/SECM_AccessControlManager.h"
+
+#include "SECM_AccessControl/Log.h"
+#include "platform/security_manager/PermissionListInterface.h"
+#include "platform/security_manager/SMADM_Interface.h"
+#include "platform/security_manager/SecurityManagerInterface.h"
+#include "platform/security_manager/UserDetailsInterface.h"
+
+#include <string_view>
+
+namespace {
+
+constexpr LogOrigin compositionLog{managerSourceFile, "SECM_AccessControlManager::GetAccessControlFilter"};
+
+} // namespace
+
+class SECM_AccessControlManager::LoggedInUser {
+public:
+    LoggedInUser(SECM_AccessControlManager& askingManager, SecurityManagerInterface* asked)
+        : manager(askingManager), securityManager(asked)
+    {
+    }
+
+    bool Holds(const PermissionBase& permission) { return securityManager->CheckPermission(permission); }
+
+    bool GetResources(const FieldDefinition& field, std::vector<std::string>& resources)
+    {
+        return securityManager->GetResources(field.permissionName, field.permissionValue, resources);
+    }
+
+    void RewriteValue(std::string& value, const FieldDefinition& field)
+    {
+        manager.ReplaceSingleValue(value, field, securityManager);
+    }
+
+    std::string FillCondition(const ConditionDefinition& condition, const std::vector<std::string>& values)
+    {
+        return manager.HandleSingleCondition(condition, values, securityManager);
+    }
+
+private:
+    SECM_AccessControlManager& manager;
+    SecurityManagerInterface* securityManager;
+};
+
+class SECM_AccessControlManager::NamedUser {
+public:
+    NamedUser(SECM_AccessControlManager& askingManager, PermissionListInterface* permissions,
+              UserDetailsInterface* details)
+        : manager(askingManager), permissionList(permissions), userDetails(details)
+    {
+    }
+
+    bool Holds(const PermissionBase& permission) { return manager.CheckPermissionInList(permissionList, permission); }
+
+    bool GetResources(const FieldDefinition& field, std::vector<std::string>& resources)
+    {
+        return manager.GetResourcesFromList(permissionList, field.permissionName, field.permissionValue, resources);
+    }
+
+    void RewriteValue(std::string& value, const FieldDefinition& field)
+    {
+        manager.ReplaceSingleValueForUser(value, field, userDetails);
+    }
+
+    std::string FillCondition(const ConditionDefinition& condition, const std::vector<std::string>& values)
+    {
+        return manager.HandleSingleConditionForUser(condition, values, userDetails);
+    }
+
+private:
+    SECM_AccessControlManager& manager;
+    PermissionListInterface* permissionList;
+    UserDetailsInterface* userDetails;
+};
+
+std::string SECM_AccessControlManager::GetAccessControlFilter(SecurityManagerInterface* secmInterface)
+{
+    SECM_LOG(compositionLog, traceLevel, "GetAccessControlFilter - IN\n");
+    if (secmInterface == nullptr) {
+        SECM_LOG(compositionLog, failureLevel, "secmInterface is null - returning\n");
+        return hideAllFilter;
+    }
+    LoggedInUser user(*this, secmInterface);
+    return ComposeFilter(user);
+}
+
+std::string SECM_AccessControlManager::GetAccessControlFilter(const std::string& userName)
+{
+    SECM_LOG(compositionLog, traceLevel, "GetAccessControlFilter - IN\n");
+    if (adminInterface == nullptr) {
+        SECM_LOG(compositionLog, failureLevel, "Security manager admin is not initialized\n");
+        return hideAllFilter;
+    }
+    UserDetailsInterface* userDetails = adminInterface->GetUserDetails(nullptr, userName.c_str());
+    if (userDetails == nullptr) {
+        SECM_LOG(compositionLog, userLevel, "Couldn't get user details for userName: '%s'\n", userName.c_str());
+        return defaultFilter;
+    }
+    std::string groupName;
+    userDetails->GetGroupName(groupName);
+    SECM_LOG(compositionLog, traceLevel, "Getting filters for user: %s, group: %s ", userName.c_str(),
+             groupName.c_str());
+    const std::shared_ptr<PermissionListInterface> permissionList(
+        adminInterface->GetPermissionList(groupName.c_str(), userName.c_str()));
+    if (!permissionList) {
+        SECM_LOG(compositionLog, failureLevel, "Couldn't get permission list for user '%s' and group '%s'\n",
+                 userName.c_str(), groupName.c_str());
+        return hideAllFilter;
+    }
+    NamedUser user(*this, permissionList.get(), userDetails);
+    return ComposeFilter(user);
+}
+
+template <class User>
+std::string SECM_AccessControlManager::ComposeFilter(User& user)
+{
+    std::string filter;
+    std::string_view fieldDelimiter;
+    std::vector<std::string> resources;
+    std::vector<std::string> values;
+
+    for (const auto& field : fieldDefinitions) {
+        if (user.Holds(PermissionBase(field->permissionName.c_str(), field->permissionValue, nullptr, true))) {
+            continue; // without restriction
+        }
+
+        resources.clear();
+        values.clear();
+        if (!user.GetResources(*field, resources)) {
+            SECM_LOG(compositionLog, failureLevel, "Couldn't get resources for user for permission name: '%s'\n",
+                     field->permissionName.c_str());
+            return hideAllFilter;
+        }
+        for (std::string& resource : resources) {
+            user.RewriteValue(resource, *field);
+            if (!resource.empty()) {
+                values.push_back(std::move(resource));
+            }
+        }
+        if (values.empty()) {
+            SECM_LOG(compositionLog, traceLevel, "No values were found for the permission: '%s'\n",
+                     field->permissionName.c_str());
+            return hideAllFilter;
+        }
+
+        std::string clause;
+        std::string_view conditionDelimiter;
+        int conditionCount = 0;
+        for (const ConditionDefinition& condition : field->conditions) {
+            const std::string text = user.FillCondition(condition, values);
+            if (!text.empty()) {
+                clause.append(conditionDelimiter).append(text);
+                conditionDelimiter = field->conditionsDelimiter;
+                ++conditionCount;
+            }
+        }
+        if (clause.empty()) {
+            continue; // every condition came out empty
+        }
+        filter += fieldDelimiter;
+        if (conditionCount > 1) {
+            filter.append("(").append(clause).append(")");
+        } else {
+            filter += clause;
+        }
+        fieldDelimiter = filterDelimiter;
+    }
+
+    SECM_LOG(compositionLog, traceLevel, "GetAccessControlFilter - OUT. Filter: %s\n", filter.c_str());
+    return filter;
+}

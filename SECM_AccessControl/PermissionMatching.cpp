@@ -1,0 +1,48 @@
+// Answers from a user's permission list what the composition asks.
+#include "SECM_AccessControl/SECM_AccessControlManager.h"
+
+#include "platform/security_manager/PermissionListInterface.h"
+
+#include <algorithm>
+
+namespace {
+
+// What a permission for a resource that is not listed falls back to.
+constexpr const char* defaultResource = "default";
+
+const PermissionBase* FindEqual(const std::vector<PermissionBase>& entries, const PermissionBase& permission)
+{
+    const auto found = std::find(entries.begin(), entries.end(), permission);
+    return found != entries.end() ? &*found : nullptr;
+}
+
+} // namespace
+
+bool SECM_AccessControlManager::CheckPermissionInList(PermissionListInterface* permissionList,
+                                                      const PermissionBase& permission)
+{
+    const std::vector<PermissionBase>& entries = *permissionList->GetPermissions();
+    // The first equal entry decides, even against the user: a later one is never looked at.
+    if (const PermissionBase* entry = FindEqual(entries, permission)) {
+        return permission <= *entry;
+    }
+    if (permission.resource() == nullptr) {
+        return false;
+    }
+    const PermissionBase fallback(permission.name(), permission.value(), defaultResource, permission.IsConditional());
+    const PermissionBase* entry = FindEqual(entries, fallback);
+    return entry != nullptr && fallback <= *entry;
+}
+
+bool SECM_AccessControlManager::GetResourcesFromList(PermissionListInterface* permissionList,
+                                                     const std::string& permissionName, unsigned permissionValue,
+                                                     std::vector<std::string>& resources)
+{
+    for (const PermissionBase& entry : *permissionList->GetPermissions()) {
+        if (permissionName == entry.name() && (entry.value() & permissionValue) == permissionValue &&
+            entry.resource() != nullptr) {
+            resources.emplace_back(entry.resource());
+        }
+    }
+    return true;
+}

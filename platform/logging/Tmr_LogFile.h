@@ -1,0 +1,42 @@
+// The logging library as the module sees it: one process-wide log, asked in two steps so that a
+// message that nobody wants is never formatted.
+#pragma once
+
+#include "platform/Export.h"
+
+#include <atomic>
+#include <limits>
+#include <memory>
+#include <mutex>
+
+/// The process's log. Any thread may write at any time; lines of different threads never mix.
+/// The environment says what is written and where, read when the first message is offered:
+/// `TMR_LOG_LEVEL` (default 3; messages of that level and below are written) and
+/// `TMR_LOG_FILE` (appended to; unset or empty: standard error).
+class PLATFORM_EXPORT Tmr_LogFile {
+public:
+    constexpr Tmr_LogFile() = default;
+    ~Tmr_LogFile();
+    Tmr_LogFile(const Tmr_LogFile&) = delete;
+    Tmr_LogFile& operator=(const Tmr_LogFile&) = delete;
+
+    /// Announces the calling thread's next message: where it comes from and how much it matters (3: failure
+    /// ... 7: trace). Answers non-zero when the message is to be written; only then call `Log`, on the same
+    /// thread. The texts are kept by address until that `Log` and must live as long.
+    int StoreParams(const char* sourceFile, const char* functionName, int line, int level, int module, int number);
+
+    /// Writes the announced message, whole whatever its length, as one line whatever bytes are in it.
+    /// Throws std::bad_alloc; a log that cannot be written is reported on standard error and not to the caller.
+    void Log(const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+private:
+    struct Writer;
+    void Open();
+
+    // Above every level until the environment has been read, so that a level is tested by one comparison.
+    std::atomic<int> threshold{std::numeric_limits<int>::max()};
+    std::once_flag opened;
+    std::unique_ptr<Writer> writer;
+};
+
+extern PLATFORM_EXPORT Tmr_LogFile TmrGLog;

@@ -1,0 +1,152 @@
+// The log on spdlog: it gives the sinks, their locking and the time; the rest of a line is made here, so that
+// whatever a message carries, it stays one line that nobody can mistake for another.
+#include "platform/logging/Tmr_LogFile.h"
+
+#include <spdlog/logger.h>
+#include <spdlog/pattern_formatter.h>
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/sinks/stdout_sinks.h>
+
+#include <array>
+#include <charconv>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+Tmr_LogFile TmrGLog;
+
+struct Tmr_LogFile::Writer {
+    spdlog::logger logger;
+};
+
+namespace {
+
+constexpr int defaultLevel = 3;
+
+struct Announced {
+    const char* sourceFile;
+    const char* functionName;
+    int line;
+    int level;
+};
+thread_local Announced announced{"", "", 0, 0};
+
+int LevelFromEnvironment()
+{
+    const char* text = std::getenv("TMR_LOG_LEVEL");
+    if (text == nullptr || *text == '\0') {
+        return defaultLevel;
+    }
+    int level = 0;
+    const char* end = text + std::strlen(text);
+    if (auto [stop, error] = std::from_chars(text, end, level); error != std::errc() || stop != end) {
+        std::fprintf(stderr, "TMR_LOG_LEVEL: '%s' is not a whole number; logging at level %d\n", text, defaultLevel);
+        return defaultLevel;
+    }
+    return level;
+}
+
+spdlog::sink_ptr SinkFromEnvironment()
+{
+    if (const char* path = std::getenv("TMR_LOG_FILE"); path != nullptr && *path != '\0') {
+        try {
+            // spdlog would make missing folders; a misspelt path must be heard of instead.
+            auto folder = std::filesystem::path(path).parent_path();
+            if (!folder.empty() && !std::filesystem::is_directory(folder)) {
+                throw std::runtime_error("there is no folder '" + folder.string() + "'");
+            }
+            return std::make_shared<spdlog::sinks::basic_file_sink_mt>(path);
+        } catch (const std::exception& error) {
+            std::fprintf(stderr, "TMR_LOG_FILE: cannot open '%s': %s; logging to standard error\n", path, error.what());
+        }
+    }
+    return std::make_shared<spdlog::sinks::stderr_sink_mt>();
+}
+
+std::string Formatted(const char* format, std::va_list arguments)
+{
+    std::va_list again;
+    va_copy(again, arguments);
+    std::array<char, 512> shortText{};
+    const int length = std::vsnprintf(shortText.data(), shortText.size(), format, arguments);
+    std::string text;
+    if (length < 0) {
+        text = std::string("(cannot be formatted) ") + format;
+    } else if (static_cast<std::size_t>(length) < shortText.size()) {
+        text.assign(shortText.data(), static_cast<std::size_t>(length));
+    } else {
+        text.resize(static_cast<std::size_t>(length));
+        std::vsnprintf(text.data(), text.size() + 1, format, again);
+    }
+    va_end(again);
+    return text;
+}
+
+// A backslash is doubled so that what is written can be read back to the exact bytes.
+void AppendEscaped(std::string& line, std::string_view message)
+{
+    constexpr std::string_view digits = "0123456789abcdef";
+    for (const char character : message) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte < 0x20 || byte == 0x7f) {
+            line += "\\x";
+            line += digits[byte >> 4U];
+            line += digits[byte & 0xfU];
+        } else if (character == '\\') {
+            line += "\\\\";
+        } else {
+            line += character;
+        }
+    }
+}
+
+} // namespace
+
+Tmr_LogFile::~Tmr_LogFile() = default;
+
+void Tmr_LogFile::Open()
+{
+    auto opening = std::make_unique<Writer>(Writer{spdlog::logger("TmrGLog", SinkFromEnvironment())});
+    opening->logger.set_formatter(std::make_unique<spdlog::pattern_formatter>("%Y-%m-%dT%H:%M:%S.%eZ %v",
+                                                                              spdlog::pattern_time_type::utc));
+    opening->logger.flush_on(spdlog::level::trace);
+    writer = std::move(opening);
+    threshold.store(LevelFromEnvironment(), std::memory_order_relaxed);
+}
+
+int Tmr_LogFile::StoreParams(const char* sourceFile, const char* functionName, int line, int level, int /*module*/,
+                             int /*number*/)
+{
+    if (level > threshold.load(std::memory_order_relaxed)) {
+        return 0;
+    }
+    std::call_once(opened, [this] { Open(); });
+    if (level > threshold.load(std::memory_order_relaxed)) {
+        return 0;
+    }
+    announced = {sourceFile, functionName, line, level};
+    return 1;
+}
+
+void Tmr_LogFile::Log(const char* format, ...)
+{
+    std::va_list arguments;
+    va_start(arguments, format);
+    const std::string text = Formatted(format, arguments);
+    va_end(arguments);
+
+    std::string_view message = text;
+    if (message.ends_with('\n')) {
+        message.remove_suffix(1);
+    }
+    std::string line;
+    line.append("[").append(std::to_string(announced.level)).append("] ").append(announced.functionName);
+    line.append(" (").append(announced.sourceFile).append(":").append(std::to_string(announced.line)).append(") ");
+    AppendEscaped(line, message);
+    writer->logger.log(spdlog::level::info, spdlog::string_view_t(line));
+}

@@ -1,0 +1,97 @@
+// Linked into the module in place of the administration library: opens that library when its first operation is
+// asked for, so that a host which never connects never needs it.
+#include "platform/security_manager/SMADM_Interface.h"
+
+#include <dlfcn.h>
+#include <link.h>
+
+#include <climits>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+class AdminLibrary {
+public:
+    static AdminLibrary& Opened()
+    {
+        // A failed opening throws out of the initialisation, so the next call tries again.
+        static AdminLibrary library;
+        return library;
+    }
+
+    AdminLibrary(const AdminLibrary&) = delete;
+    AdminLibrary& operator=(const AdminLibrary&) = delete;
+
+    decltype(&::getSECM_Interface) get = nullptr;
+    decltype(&::releaseSECM_Interface) release = nullptr;
+
+private:
+    AdminLibrary() : path(Path()), handle(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL))
+    {
+        if (handle == nullptr) {
+            throw std::runtime_error("the administration library cannot be opened: " + Reason());
+        }
+        try {
+            get = Entry<decltype(get)>("getSECM_Interface");
+            release = Entry<decltype(release)>("releaseSECM_Interface");
+        } catch (...) {
+            dlclose(handle);
+            throw;
+        }
+    }
+
+    ~AdminLibrary() { dlclose(handle); }
+
+    // Beside this library when it is there, which keeps the two of one installation together; a damaged file
+    // there is an error and no reason to look elsewhere.
+    static std::string Path()
+    {
+        const std::string name = SECM_ADMIN_LIBRARY;
+        Dl_info self{};
+        void* map = nullptr;
+        std::string folder(PATH_MAX, '\0');
+        if (dladdr1(reinterpret_cast<const void*>(&Path), &self, &map, RTLD_DL_LINKMAP) != 0 &&
+            dlinfo(map, RTLD_DI_ORIGIN, folder.data()) == 0) {
+            std::string beside = std::string(folder.c_str()) + "/" + name;
+            if (std::error_code ignored; std::filesystem::exists(beside, ignored)) {
+                return beside;
+            }
+        }
+        return name;
+    }
+
+    static std::string Reason()
+    {
+        const char* reason = dlerror();
+        return reason != nullptr ? reason : "no reason given";
+    }
+
+    template <class Function>
+    Function Entry(const char* name)
+    {
+        void* entry = dlsym(handle, name);
+        if (entry == nullptr) {
+            throw std::runtime_error("the administration library '" + path + "' has no entry point: " + Reason());
+        }
+        return reinterpret_cast<Function>(entry);
+    }
+
+    std::string path;
+    void* handle;
+};
+
+} // namespace
+
+extern "C" SMADM_Interface* getSECM_Interface(const char* applicationName, unsigned interfaceVersion)
+{
+    return AdminLibrary::Opened().get(applicationName, interfaceVersion);
+}
+
+extern "C" void releaseSECM_Interface(SMADM_Interface* administration)
+{
+    if (administration != nullptr) {
+        AdminLibrary::Opened().release(administration);
+    }
+}

@@ -1,0 +1,40 @@
+// The security manager's administration interface: tells about any user by name, without a log-in.
+#pragma once
+
+class PermissionListInterface;
+class UserDetailsInterface;
+
+/// Defined by the administration library: makes its two entry points visible.
+#ifndef SMADM_API
+#define SMADM_API
+#endif
+
+/// One thread at a time; separate objects do not disturb one another. A fault during a request is thrown
+/// (std::runtime_error) and never looks like an answer.
+class SMADM_Interface {
+public:
+    /// Connects, as SecurityManagerInterface::Initialize does.
+    virtual bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode) = 0;
+
+    /// The user named `userName`, or null when there is no such user; see UserDetailsInterface for how long it
+    /// is valid. `domain` is not used.
+    virtual UserDetailsInterface* GetUserDetails(const char* domain, const char* userName) = 0;
+
+    /// What is granted to exactly this user and exactly this group, in the order of granting: a new list that
+    /// the caller owns, empty when nothing is granted. An empty or null group is no group.
+    virtual PermissionListInterface* GetPermissionList(const char* group, const char* user) = 0;
+
+    virtual ~SMADM_Interface() = default;
+};
+
+// Looked up by name in a library that is opened late, hence without C++ name mangling.
+extern "C" {
+
+/// A new interface for the caller named `applicationName`, to be given back by `releaseSECM_Interface` at some
+/// time or never (it is then freed when the library is unloaded). Null when the library does not serve
+/// `interfaceVersion`. Throws std::runtime_error when the administration library cannot be opened.
+SMADM_API SMADM_Interface* getSECM_Interface(const char* applicationName, unsigned interfaceVersion);
+
+/// Disconnects and frees `administration`. Null is passed over.
+SMADM_API void releaseSECM_Interface(SMADM_Interface* administration);
+}

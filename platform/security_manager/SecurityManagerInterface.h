@@ -1,0 +1,63 @@
+// The security manager: logs a user in, and answers what the user who is logged in may do.
+#pragma once
+
+#include <string>
+#include <vector>
+
+class PermissionBase;
+class SECM_CallBackInterface;
+class UserDetailsInterface;
+
+/// Defined by the security manager library and by the module's own target (empty elsewhere): how the two
+/// operations that are compiled into both are seen from outside.
+#ifndef SECURITY_MANAGER_INTERFACE_API
+#define SECURITY_MANAGER_INTERFACE_API
+#endif
+
+/// Defined by the security manager library: makes its two entry points visible.
+#ifndef SECURITY_MANAGER_API
+#define SECURITY_MANAGER_API
+#endif
+
+/// One object serves one user at a time and one thread at a time; separate objects do not disturb one another.
+/// A fault during a request is thrown (std::runtime_error) and never looks like an answer.
+class SecurityManagerInterface {
+public:
+    SECURITY_MANAGER_INTERFACE_API SecurityManagerInterface();
+
+    /// Connects. `connectionText` and `timeoutSeconds` (0: the security manager's own) say to what and for how
+    /// long to try; `callback` is kept by address for the object's life. False: not usable, the reason is logged.
+    virtual bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode,
+                            SECM_CallBackInterface* callback, bool flag) = 0;
+
+    /// Asks `callback` whom to log in, in place of the user logged in before. Read the result by `IsLoggedIn`.
+    virtual bool Login(SECM_CallBackInterface* callback, bool flag) = 0;
+
+    /// Whether a user is logged in for `application`, the name that the callback gave at `Login`.
+    virtual bool IsLoggedIn(const char* application) = 0;
+
+    /// Forgets the user; true when there was one.
+    virtual bool Logout() = 0;
+
+    /// Whether the user holds `permission` as it stands; asked without a resource: without restriction.
+    virtual bool CheckPermission(const PermissionBase& permission) = 0;
+
+    /// Appends, in the order of granting, the resources for which the user holds `permissionName` with every
+    /// bit of `permissionValue`. False: it could not be told, and nothing was appended.
+    virtual bool GetResources(const std::string& permissionName, unsigned permissionValue,
+                              std::vector<std::string>& resources) = 0;
+
+    /// The user who is logged in, or null; see UserDetailsInterface for how long it is valid.
+    virtual UserDetailsInterface* GetUserDetails() = 0;
+
+    SECURITY_MANAGER_INTERFACE_API virtual ~SecurityManagerInterface();
+};
+
+/// A new interface for the caller named `applicationName`, to be given back by `releaseSecurityManagerInterface`
+/// at some time or never (it is then freed when the library is unloaded). Null when the library does not serve
+/// `interfaceVersion`.
+SECURITY_MANAGER_API SecurityManagerInterface* getSecurityManagerInterface(const char* applicationName,
+                                                                           unsigned interfaceVersion);
+
+/// Disconnects and frees `securityManager`. Null is passed over.
+SECURITY_MANAGER_API void releaseSecurityManagerInterface(SecurityManagerInterface* securityManager);

@@ -1,0 +1,267 @@
+// Every statement answers rows of one shape (section, position, name, text, value, is_conditional), so that a log-in
+// is one statement and therefore one consistent view: the user, then the attributes, then the permissions.
+#include "platform/security_manager/sql/SecurityDatabase.h"
+
+#include "platform/logging/Tmr_LogFile.h"
+
+#include <soci/soci.h>
+
+#include <algorithm>
+#include <cstring>
+#include <regex>
+#include <stdexcept>
+#include <string_view>
+
+namespace {
+
+constexpr int failureLevel = 3;
+constexpr int moduleNumber = 198;
+
+// Larger ones would overflow the milliseconds in which the databases count.
+constexpr unsigned longestTimeoutSeconds = 2'000'000;
+
+enum Section : long long { userSection = 0, attributeSection = 1, permissionSection = 2 };
+
+constexpr const char* userRows =
+    "SELECT 0, 0, group_name, CAST(NULL AS TEXT), 0, 0 FROM security_user WHERE user_name = :user"
+    " UNION ALL "
+    "SELECT 1, 0, attribute_name, attribute_value, 0, 0 FROM security_attribute WHERE user_name = :user";
+
+// SQLite keeps whatever was written into a number column, so what is no whole number of 32 bits becomes -1 here and
+// a fault below; a condition that is anything but 0 is one, for a condition grants less.
+std::string PermissionRows(const char* granteeType, const char* grantee)
+{
+    return std::string("SELECT 2, position, permission_name, resource,"
+                       " CASE WHEN permission_value BETWEEN 0 AND 4294967295"
+                       " AND CAST(permission_value AS BIGINT) = permission_value THEN permission_value ELSE -1 END,"
+                       " CASE WHEN is_conditional = 0 THEN 0 ELSE 1 END"
+                       " FROM security_permission WHERE grantee_type = '") +
+           granteeType + "' AND grantee = " + grantee;
+}
+
+// An empty group name is no group, whatever is granted to it.
+std::string GrantedTo(const char* user, const char* group)
+{
+    return PermissionRows("user", user) + " UNION ALL " + PermissionRows("group", group) + " AND grantee <> ''";
+}
+
+constexpr const char* groupOfUser = "(SELECT group_name FROM security_user WHERE user_name = :user)";
+constexpr const char* inOrder = " ORDER BY 1, 2";
+
+struct Row {
+    long long section = 0;
+    long long position = 0;
+    std::string name;
+    std::string text; // what the row before it left there, when this one is null
+    soci::indicator textIndicator = soci::i_null;
+    long long value = 0;
+    int isConditional = 0;
+};
+
+std::string PlaceOf(const Row& row)
+{
+    return "the row of security_permission at position " + std::to_string(row.position);
+}
+
+// The interfaces hand texts out up to their first NUL; cut short they would be other names and other resources.
+void RefuseNul(const std::string& text, const std::string& place)
+{
+    if (text.find('\0') != std::string::npos) {
+        throw std::runtime_error(place + " holds a text with a NUL byte; remove it");
+    }
+}
+
+PermissionBase PermissionOf(const Row& row)
+{
+    if (row.value < 0) {
+        throw std::runtime_error(PlaceOf(row) + " has a permission_value that is no whole number from 0 to 4294967295");
+    }
+    RefuseNul(row.name, PlaceOf(row));
+    RefuseNul(row.text, PlaceOf(row));
+    return {row.name.c_str(), static_cast<unsigned>(row.value),
+            row.textIndicator == soci::i_null ? nullptr : row.text.c_str(), row.isConditional != 0};
+}
+
+// The last of two settings of one name wins in both databases, so what is appended holds.
+soci::connection_parameters ParametersOf(const std::string& text, unsigned timeoutSeconds)
+{
+    const std::string_view view = text;
+    std::string limited = text;
+    if (view.starts_with("sqlite3://")) {
+        if (view.find("db=") == std::string_view::npos && view.find("dbname=") == std::string_view::npos) {
+            throw std::runtime_error("the connection text names no file; write sqlite3://db=FILE");
+        }
+        limited += " readonly=true";
+        if (timeoutSeconds != 0) {
+            limited += " timeout=" + std::to_string(timeoutSeconds);
+        }
+    } else if (view.starts_with("postgresql://")) {
+        if (timeoutSeconds != 0) {
+            limited += " connect_timeout=" + std::to_string(timeoutSeconds);
+        }
+    } else {
+        throw std::runtime_error("the connection text must begin with sqlite3:// or postgresql://");
+    }
+    return soci::connection_parameters(limited);
+}
+
+std::string WithoutPassword(const std::string& connectionText)
+{
+    static const std::regex password(R"((password\s*=\s*)('(\\.|[^'\\])*'|\S+))");
+    return std::regex_replace(connectionText, password, "$1***");
+}
+
+} // namespace
+
+class SecurityDatabase::Connection {
+public:
+    Connection(const std::string& text, unsigned timeoutSeconds)
+        : session(ParametersOf(text, timeoutSeconds)), userWithPermissions(session), user(session), permissions(session)
+    {
+        if (timeoutSeconds != 0 && session.get_backend_name() == "postgresql") {
+            session << "SET statement_timeout = " << static_cast<unsigned long long>(timeoutSeconds) * 1000;
+        }
+        permissions.exchange(soci::use(groupName, "group"));
+        Prepare(permissions, GrantedTo(":user", ":group") + inOrder);
+        Prepare(user, std::string(userRows) + inOrder);
+        Prepare(userWithPermissions, userRows + (" UNION ALL " + GrantedTo(":user", groupOfUser)) + inOrder);
+    }
+
+    std::optional<SecurityUser> ReadUserWithPermissions(const std::string& name)
+    {
+        return ReadUser(userWithPermissions, name);
+    }
+
+    std::optional<SecurityUser> ReadUser(const std::string& name) { return ReadUser(user, name); }
+
+    std::vector<PermissionBase> ReadPermissions(const std::string& group, const std::string& name)
+    {
+        groupName = group;
+        userName = name;
+        std::vector<PermissionBase> found;
+        permissions.execute();
+        while (permissions.fetch()) {
+            found.push_back(PermissionOf(row));
+        }
+        return found;
+    }
+
+private:
+    std::optional<SecurityUser> ReadUser(soci::statement& statement, const std::string& name)
+    {
+        userName = name;
+        std::optional<SecurityUser> found;
+        statement.execute();
+        while (statement.fetch()) {
+            if (row.section == userSection) {
+                if (found) {
+                    throw std::runtime_error("the user '" + name + "' has more than one row in security_user");
+                }
+                RefuseNul(row.name, "the row of security_user for '" + name + "'");
+                found.emplace().groupName = row.name;
+            } else if (!found) {
+                continue; // attributes and permissions of a name that is no user's
+            } else if (row.section == attributeSection) {
+                if (row.textIndicator != soci::i_null) {
+                    RefuseNul(row.text, "security_attribute '" + row.name + "' of '" + name + "'");
+                    found->attributes.emplace(row.name, row.text);
+                }
+            } else {
+                found->permissions.push_back(PermissionOf(row));
+            }
+        }
+        return found;
+    }
+
+    void Prepare(soci::statement& statement, const std::string& text)
+    {
+        statement.exchange(soci::into(row.section));
+        statement.exchange(soci::into(row.position));
+        statement.exchange(soci::into(row.name));
+        statement.exchange(soci::into(row.text, row.textIndicator));
+        statement.exchange(soci::into(row.value));
+        statement.exchange(soci::into(row.isConditional));
+        statement.exchange(soci::use(userName, "user"));
+        statement.alloc();
+        statement.prepare(text);
+        statement.define_and_bind();
+    }
+
+    // What the statements are bound to.
+    std::string userName;
+    std::string groupName;
+    Row row;
+
+    soci::session session;
+    soci::statement userWithPermissions;
+    soci::statement user;
+    soci::statement permissions;
+};
+
+SecurityDatabase::SecurityDatabase(std::string connectionText, unsigned timeout)
+    : text(std::move(connectionText)), timeoutSeconds(std::min(timeout, longestTimeoutSeconds))
+{
+}
+
+SecurityDatabase::~SecurityDatabase() = default;
+
+template <class Question>
+auto SecurityDatabase::Ask(const char* name, Question question)
+{
+    try {
+        if (!connection) {
+            connection = std::make_unique<Connection>(text, timeoutSeconds);
+        }
+        return question(*connection);
+    } catch (const soci::soci_error& error) {
+        connection.reset();
+        throw std::runtime_error(std::string(name) + ": " + error.get_error_message());
+    } catch (const std::runtime_error& error) {
+        connection.reset();
+        throw std::runtime_error(std::string(name) + ": " + error.what());
+    } catch (...) {
+        connection.reset();
+        throw;
+    }
+}
+
+std::optional<SecurityUser> SecurityDatabase::ReadUserWithPermissions(const std::string& userName)
+{
+    return Ask("reading the user with permissions",
+               [&](Connection& open) { return open.ReadUserWithPermissions(userName); });
+}
+
+std::optional<SecurityUser> SecurityDatabase::ReadUser(const std::string& userName)
+{
+    return Ask("reading the user", [&](Connection& open) { return open.ReadUser(userName); });
+}
+
+std::vector<PermissionBase> SecurityDatabase::ReadPermissions(const std::string& groupName, const std::string& userName)
+{
+    return Ask("reading the permissions",
+               [&](Connection& open) { return open.ReadPermissions(groupName, userName); });
+}
+
+std::unique_ptr<SecurityDatabase> SecurityDatabase::Open(const char* function, const char* connectionText,
+                                                         unsigned timeoutSeconds, const char* mode)
+{
+    const std::string text = connectionText != nullptr ? connectionText : "";
+    std::string reason;
+    try {
+        if (mode == nullptr || std::strcmp(mode, "nonsecure") != 0) {
+            throw std::runtime_error("the only mode offered is 'nonsecure'");
+        }
+        std::unique_ptr<SecurityDatabase> database(new SecurityDatabase(text, timeoutSeconds));
+        // Tables, columns and rights show only when a statement runs.
+        database->ReadUserWithPermissions("");
+        database->ReadPermissions("", "");
+        return database;
+    } catch (const std::runtime_error& error) {
+        reason = error.what();
+    }
+    if (TmrGLog.StoreParams("platform/security_manager/sql/SecurityDatabase", function, __LINE__, failureLevel,
+                            moduleNumber, 1) != 0) {
+        TmrGLog.Log("The security database '%s' cannot be used: %s\n", WithoutPassword(text).c_str(), reason.c_str());
+    }
+    return nullptr;
+}

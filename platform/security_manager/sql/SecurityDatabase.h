@@ -1,0 +1,42 @@
+// The security database: three tables read by one statement for each question, through SOCI, so that SQLite and
+// PostgreSQL give the same answers.
+#pragma once
+
+#include "platform/security_manager/sql/SecurityUser.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// One connection, used by one thread at a time. A question that fails throws std::runtime_error, whose text begins
+/// with the question's name, and drops the connection; the next question connects again.
+class SecurityDatabase {
+public:
+    /// Connects and tries every statement. Null when that fails or `mode` is not "nonsecure"; the reason is logged
+    /// at level 3 as coming from `function`. A missing SQLite file is not created.
+    static std::unique_ptr<SecurityDatabase> Open(const char* function, const char* connectionText,
+                                                  unsigned timeoutSeconds, const char* mode);
+    ~SecurityDatabase();
+
+    /// The user with group, attributes and permissions, or nothing when there is no such user.
+    std::optional<SecurityUser> ReadUserWithPermissions(const std::string& userName);
+
+    /// The same without permissions.
+    std::optional<SecurityUser> ReadUser(const std::string& userName);
+
+    /// What is granted to exactly this user and exactly this group; an empty group is no group.
+    std::vector<PermissionBase> ReadPermissions(const std::string& groupName, const std::string& userName);
+
+private:
+    class Connection;
+
+    SecurityDatabase(std::string connectionText, unsigned timeoutSeconds);
+
+    template <class Question>
+    auto Ask(const char* name, Question question);
+
+    std::string text;
+    unsigned timeoutSeconds;
+    std::unique_ptr<Connection> connection;
+};

@@ -1,0 +1,85 @@
+// The administration interface on the security database: the same users, groups and permissions as at log-in, asked
+// for by name.
+#define SMADM_API PLATFORM_EXPORT
+#include "platform/Export.h"
+#include "platform/security_manager/SMADM_Interface.h"
+
+#include "platform/security_manager/PermissionListInterface.h"
+#include "platform/security_manager/sql/HandedOut.h"
+#include "platform/security_manager/sql/SecurityDatabase.h"
+
+#include <optional>
+#include <stdexcept>
+
+namespace {
+
+constexpr unsigned servedVersion = 1;
+
+class SqlPermissionList final : public PermissionListInterface {
+public:
+    explicit SqlPermissionList(std::vector<PermissionBase> granted) : permissions(std::move(granted)) {}
+    const std::vector<PermissionBase>* GetPermissions() override { return &permissions; }
+
+private:
+    std::vector<PermissionBase> permissions;
+};
+
+std::string TextOrEmpty(const char* text)
+{
+    return text != nullptr ? text : "";
+}
+
+class SqlAdministration final : public SMADM_Interface {
+public:
+    bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode) override
+    {
+        details.reset();
+        database = SecurityDatabase::Open("SMADM_Interface::Initialize", connectionText, timeoutSeconds, mode);
+        return database != nullptr;
+    }
+
+    UserDetailsInterface* GetUserDetails(const char* /*domain*/, const char* userName) override
+    {
+        details.reset();
+        if (auto user = Connected("GetUserDetails").ReadUser(TextOrEmpty(userName))) {
+            return &details.emplace(std::move(*user));
+        }
+        return nullptr;
+    }
+
+    PermissionListInterface* GetPermissionList(const char* group, const char* user) override
+    {
+        return new SqlPermissionList(
+            Connected("GetPermissionList").ReadPermissions(TextOrEmpty(group), TextOrEmpty(user)));
+    }
+
+private:
+    SecurityDatabase& Connected(const char* operation)
+    {
+        if (database == nullptr) {
+            throw std::runtime_error(std::string("SMADM_Interface::") + operation + ": not initialized");
+        }
+        return *database;
+    }
+
+    std::unique_ptr<SecurityDatabase> database;
+    std::optional<SqlUserDetails> details; // of the last user who was asked for
+};
+
+HandedOut<SMADM_Interface>& Administrations()
+{
+    static HandedOut<SMADM_Interface> administrations;
+    return administrations;
+}
+
+} // namespace
+
+SMADM_Interface* getSECM_Interface(const char* /*applicationName*/, unsigned interfaceVersion)
+{
+    return interfaceVersion == servedVersion ? Administrations().Keep(std::make_unique<SqlAdministration>()) : nullptr;
+}
+
+void releaseSECM_Interface(SMADM_Interface* administration)
+{
+    Administrations().Release(administration);
+}

@@ -1,0 +1,138 @@
+// The security manager on the security database. Everything a request needs is read at log-in; the questions that
+// follow are answered from memory.
+#define SECURITY_MANAGER_API PLATFORM_EXPORT
+#include "platform/Export.h"
+#include "platform/security_manager/SecurityManagerInterface.h"
+
+#include "platform/security_manager/SECM_CallBackInterface.h"
+#include "platform/security_manager/sql/HandedOut.h"
+#include "platform/security_manager/sql/SecurityDatabase.h"
+
+#include <algorithm>
+#include <optional>
+#include <stdexcept>
+
+namespace {
+
+constexpr unsigned servedVersion = 0x11010A17;
+constexpr const char* noGroupMarker = "$$$NO_GROUP$$$";
+constexpr const char* defaultResource = "default";
+
+class SqlSecurityManager final : public SecurityManagerInterface {
+public:
+    bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode,
+                    SECM_CallBackInterface* /*callback*/, bool /*flag*/) override
+    {
+        details.reset();
+        database = SecurityDatabase::Open("SecurityManagerInterface::Initialize", connectionText, timeoutSeconds, mode);
+        return database != nullptr;
+    }
+
+    bool Login(SECM_CallBackInterface* callback, bool /*flag*/) override
+    {
+        details.reset();
+        if (database == nullptr) {
+            throw std::runtime_error("SecurityManagerInterface::Login: not initialized");
+        }
+        std::string userName;
+        if (callback == nullptr || !callback->GetUserName(userName)) {
+            throw std::runtime_error("SecurityManagerInterface::Login: nobody says which user");
+        }
+        if (userName.find('\0') != std::string::npos) {
+            throw std::runtime_error("SecurityManagerInterface::Login: the user name holds a NUL byte");
+        }
+        applicationName.clear();
+        callback->GetApplicationName(applicationName);
+
+        auto user = database->ReadUserWithPermissions(userName);
+        if (user && IsOwnGroup(callback, &SECM_CallBackInterface::GetGroup, *user) &&
+            IsOwnGroup(callback, &SECM_CallBackInterface::GetSecondGroup, *user)) {
+            details.emplace(std::move(*user));
+        }
+        return details.has_value();
+    }
+
+    bool IsLoggedIn(const char* application) override
+    {
+        return details && application != nullptr && applicationName == application;
+    }
+
+    bool Logout() override
+    {
+        const bool wasLoggedIn = details.has_value();
+        details.reset();
+        return wasLoggedIn;
+    }
+
+    bool CheckPermission(const PermissionBase& permission) override
+    {
+        if (!details) {
+            return false;
+        }
+        if (const PermissionBase* granted = FirstEqual(permission)) {
+            return permission <= *granted;
+        }
+        if (permission.resource() == nullptr) {
+            return false;
+        }
+        const PermissionBase fallback(permission.name(), permission.value(), defaultResource,
+                                      permission.IsConditional());
+        const PermissionBase* granted = FirstEqual(fallback);
+        return granted != nullptr && fallback <= *granted;
+    }
+
+    bool GetResources(const std::string& permissionName, unsigned permissionValue,
+                      std::vector<std::string>& resources) override
+    {
+        if (!details) {
+            return false;
+        }
+        for (const PermissionBase& granted : details->User().permissions) {
+            if (granted.name() == permissionName && (granted.value() & permissionValue) == permissionValue &&
+                granted.resource() != nullptr) {
+                resources.emplace_back(granted.resource());
+            }
+        }
+        return true;
+    }
+
+    UserDetailsInterface* GetUserDetails() override { return details ? &*details : nullptr; }
+
+private:
+    // A user logs in with their own group, or without naming one.
+    static bool IsOwnGroup(SECM_CallBackInterface* callback, bool (SECM_CallBackInterface::*getGroup)(std::string&),
+                           const SecurityUser& user)
+    {
+        std::string group;
+        return !(callback->*getGroup)(group) || group == noGroupMarker || group == user.groupName;
+    }
+
+    const PermissionBase* FirstEqual(const PermissionBase& sought) const
+    {
+        const auto& permissions = details->User().permissions;
+        const auto found = std::find(permissions.begin(), permissions.end(), sought);
+        return found != permissions.end() ? &*found : nullptr;
+    }
+
+    std::unique_ptr<SecurityDatabase> database;
+    std::string applicationName;
+    std::optional<SqlUserDetails> details; // while a user is logged in
+};
+
+HandedOut<SecurityManagerInterface>& Managers()
+{
+    static HandedOut<SecurityManagerInterface> managers;
+    return managers;
+}
+
+} // namespace
+
+SecurityManagerInterface* getSecurityManagerInterface(const char* /*applicationName*/, unsigned interfaceVersion)
+{
+    return interfaceVersion == servedVersion ? Managers().Keep(std::make_unique<SqlSecurityManager>()) : nullptr;
+}
+
+void releaseSecurityManagerInterface(SecurityManagerInterface* securityManager)
+{
+    Managers().Release(securityManager);
+}

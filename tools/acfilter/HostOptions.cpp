@@ -1,0 +1,56 @@
+#include "tools/acfilter/HostOptions.h"
+
+#include "SECM_AccessControl/ConfigurationPaths.h"
+#include "platform/configuration/CFG_RepositoryServices.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+
+void AddHostOptions(CLI::App& command, HostOptions& options)
+{
+    command.add_option("-c,--config", options.configuration, "The configuration: a TOML file, or a folder of them")
+        ->envname("CFG_REPOSITORY")
+        ->type_name("PATH")
+        ->required();
+    command.add_option("-s,--security", options.securityDatabase, "The security database: sqlite3://db=FILE")
+        ->envname("SECM_CONNECTION")
+        ->type_name("CONNECT")
+        ->required();
+    command.add_option("-r,--repository", options.repository, "The repository of the configuration to ask")
+        ->type_name("NAME")
+        ->required();
+    command.add_option("--timeout", options.timeoutSeconds, "Limit for connecting and for each statement, in seconds")
+        ->type_name("SECONDS");
+    command.add_option("--log-level", options.logLevel, "Log this level and below: 3 failures ... 7 traces")
+        ->type_name("N");
+    command.add_option("--log-file", options.logFile, "Append the log to this file; else to standard error")
+        ->type_name("PATH");
+}
+
+void ApplyHostOptions(const HostOptions& options)
+{
+    constexpr int replaceExisting = 1;
+    setenv("CFG_REPOSITORY", options.configuration.c_str(), replaceExisting);
+    if (options.logLevel) {
+        setenv("TMR_LOG_LEVEL", std::to_string(*options.logLevel).c_str(), replaceExisting);
+    }
+    if (options.logFile) {
+        setenv("TMR_LOG_FILE", options.logFile->c_str(), replaceExisting);
+    }
+
+    const CFG_RepositoryServices* root = CFG_Factory::GetRepositoryServices();
+    if (root == nullptr) {
+        throw std::runtime_error("no configuration: the path given to --config is empty");
+    }
+    const std::unique_ptr<CFG_RepositoryServices> repository(
+        root->GetSubTree(RWCString(configuration_paths::repositories + options.repository)));
+    if (!repository) {
+        throw std::runtime_error(options.configuration + ": there is no repository '" + options.repository +
+                                 "'; add the table [zarvona.system.applications.securitymanager."
+                                 "unified_access_control.repositories." +
+                                 options.repository + "] or correct --repository");
+    }
+}

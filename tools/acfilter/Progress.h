@@ -1,0 +1,21 @@
+// A line on the terminal that tells how far a long list is, while the answers go somewhere else.
+#pragma once
+
+#include <chrono>
+
+/// Silent unless standard error is a terminal and standard output is none. The line is gone when the object is.
+class Progress {
+public:
+    Progress();
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    void CountOne();
+
+private:
+    bool isWanted;
+    bool isShown = false;
+    unsigned long long count = 0;
+    std::chrono::steady_clock::time_point nextUpdate;
+};
