@@ -31,8 +31,8 @@ bool AccessControl_SiteIdToIssuerFunction::Initialize(std::string /*configuratio
     const int count = sites ? sites->GetCount() : 0;
     for (int index = 0; index < count; ++index) {
         std::string site = sites->GetName(index);
-        const RWCString issuer = repository->GetValueByPath(
-            RWCString(configuration_paths::sites) + "\\" + site.c_str() + configuration_paths::issuer);
+        const RWCString issuer = repository->GetValueByPath(RWCString(configuration_paths::sites) + "\\" +
+                                                            site.c_str() + configuration_paths::issuer);
         if (!site.empty() && issuer.length() != 0) {
             siteIssuers.insert_or_assign(std::move(site), std::string(issuer.data(), issuer.length()));
         }

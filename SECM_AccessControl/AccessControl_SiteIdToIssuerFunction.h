@@ -1,5 +1,5 @@
-// Maps a site identifier to the site's assigning authority (its issuer), and a site without one of its own to the
-// system-wide default. Both are read once; mapping never goes back to the repository.
+// Maps a site identifier to the site's assigning authority (its issuer), and a site without one of its own to
+// the system-wide default. Both are read once; mapping never goes back to the repository.
 #pragma once
 
 #include "SECM_AccessControl/AccessControl_ValuesFunctionInterface.h"

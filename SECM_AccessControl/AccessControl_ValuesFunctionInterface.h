@@ -9,7 +9,8 @@ public:
     /// Called once, before any mapping. False: what it needs is not there; it then maps with what it has.
     virtual bool Initialize(std::string configuration) = 0;
 
-    /// Writes what `value` maps to into `mappedValue`. The caller uses what stands there whatever is answered.
+    /// Writes what `value` maps to into `mappedValue`. The caller uses what stands there whatever is
+    /// answered.
     virtual bool MapValue(const std::string& value, std::string& mappedValue) = 0;
 
     virtual ~AccessControl_ValuesFunctionInterface() = default;

@@ -1,5 +1,5 @@
-// Fills a condition template for one field's values and one user. The order of the replacements is part of the
-// template language: each searches what earlier ones put in as well.
+// Fills a condition template for one field's values and one user. The order of the replacements is part of
+// the template language: each searches what earlier ones put in as well.
 #include "SECM_AccessControl/SECM_AccessControlManager.h"
 
 #include "SECM_AccessControl/Log.h"
@@ -28,7 +28,8 @@ bool ReplaceFirst(std::string& text, std::string_view pattern, std::string_view 
     return true;
 }
 
-// A token without its first and last character: the name of an attribute. Of a single character nothing is left.
+// A token without its first and last character: the name of an attribute. Of a single character nothing is
+// left.
 std::string AttributeName(std::string_view token)
 {
     return std::string(token.size() > 1 ? token.substr(1, token.size() - 2) : "");
@@ -40,7 +41,8 @@ bool IsFramed(std::string_view token)
 }
 
 // False: the user lacks an attribute without which the condition must not stand.
-bool FillUserTokens(std::string& text, const ConditionDefinition& condition, UserDetailsInterface* userDetails)
+bool FillUserTokens(std::string& text, const ConditionDefinition& condition,
+                    UserDetailsInterface* userDetails)
 {
     for (const std::string& token : condition.replaceFields) {
         if (!IsFramed(token)) {

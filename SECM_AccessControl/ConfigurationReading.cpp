@@ -1,5 +1,5 @@
-// Reads a repository's settings and field definitions, once, when a manager is made. A definition that is not whole
-// is logged and left out; it never affects the others.
+// Reads a repository's settings and field definitions, once, when a manager is made. A definition that is not
+// whole is logged and left out; it never affects the others.
 #include "SECM_AccessControl/SECM_AccessControlManager.h"
 
 #include "SECM_AccessControl/ConfigurationPaths.h"
@@ -59,7 +59,8 @@ void SECM_AccessControlManager::ReadConfigurations()
 
 void SECM_AccessControlManager::ReadField(const CFG_RepositoryServices& fields, const std::string& fieldName)
 {
-    const std::unique_ptr<CFG_RepositoryServices> node(fields.GetSubTree(RWCString(fieldName + "\\" + repositoryName)));
+    const std::unique_ptr<CFG_RepositoryServices> node(
+        fields.GetSubTree(RWCString(fieldName + "\\" + repositoryName)));
     if (!node) {
         return; // the field does not apply to this repository
     }
@@ -67,8 +68,8 @@ void SECM_AccessControlManager::ReadField(const CFG_RepositoryServices& fields, 
     if (ReadDefinition(*node, *field)) {
         fieldDefinitions.push_back(std::move(field));
     } else {
-        SECM_LOG(readingLog, failureLevel, "Invalid access control configurations under %s\\%s\n", fieldName.c_str(),
-                 repositoryName.c_str());
+        SECM_LOG(readingLog, failureLevel, "Invalid access control configurations under %s\\%s\n",
+                 fieldName.c_str(), repositoryName.c_str());
     }
 }
 
@@ -111,8 +112,8 @@ void SECM_AccessControlManager::ReadConditions(const CFG_RepositoryServices& nod
     }
 }
 
-void SECM_AccessControlManager::BindValuesFunction(const CFG_RepositoryServices& node, const std::string& number,
-                                                   ConditionDefinition& condition)
+void SECM_AccessControlManager::BindValuesFunction(const CFG_RepositoryServices& node,
+                                                   const std::string& number, ConditionDefinition& condition)
 {
     const std::string name = ReadText(node, "values_function" + number);
     if (name.empty()) {

@@ -1,5 +1,5 @@
-// The module's one implementation. Every step of filter building is virtual and called through the object, so that
-// a tool can derive from the manager, watch the steps and call the originals.
+// The module's one implementation. Every step of filter building is virtual and called through the object, so
+// that a tool can derive from the manager, watch the steps and call the originals.
 #pragma once
 
 #include "SECM_AccessControl/AccessControlCallback.h"
@@ -19,7 +19,8 @@ class UserDetailsInterface;
 
 class SECM_AccessControlManager : public SECM_AccessControlInterface {
 public:
-    /// Reads the configuration; throws as CreateInstance does. A derived class's overrides do not take part in that.
+    /// Reads the configuration; throws as CreateInstance does. A derived class's overrides do not take part
+    /// in that.
     explicit SECM_AccessControlManager(const std::string& repository);
     ~SECM_AccessControlManager() override;
     SECM_AccessControlManager(const SECM_AccessControlManager&) = delete;
@@ -38,8 +39,8 @@ protected:
     /// Appends every run of characters between commas, blanks included; empty ones are passed over.
     virtual void SplitCommaList(const std::string& text, std::vector<std::string>& entries);
 
-    /// The condition's text for these values; empty when a mandatory attribute is missing, or nothing can be told
-    /// of the user: the condition then adds nothing.
+    /// The condition's text for these values; empty when a mandatory attribute is missing, or nothing can be
+    /// told of the user: the condition then adds nothing.
     virtual std::string HandleSingleConditionForUser(const ConditionDefinition& condition,
                                                      const std::vector<std::string>& values,
                                                      UserDetailsInterface* userDetails);
@@ -59,9 +60,11 @@ protected:
     virtual void RegisterValuesFunction(const std::string& name, ValuesFunctionFactory factory);
 
     /// Answer from a permission list what the security manager answers of a user who is logged in.
-    virtual bool CheckPermissionInList(PermissionListInterface* permissionList, const PermissionBase& permission);
-    virtual bool GetResourcesFromList(PermissionListInterface* permissionList, const std::string& permissionName,
-                                      unsigned permissionValue, std::vector<std::string>& resources);
+    virtual bool CheckPermissionInList(PermissionListInterface* permissionList,
+                                       const PermissionBase& permission);
+    virtual bool GetResourcesFromList(PermissionListInterface* permissionList,
+                                      const std::string& permissionName, unsigned permissionValue,
+                                      std::vector<std::string>& resources);
 
     std::string repositoryName;
     std::vector<std::unique_ptr<FieldDefinition>> fieldDefinitions; ///< In the order of the configuration.
@@ -74,8 +77,9 @@ protected:
     std::string valueMultiplicityPrefix;
     std::string valueMultiplicitySuffix;
     AccessControlCallback callback;
-    SecurityManagerInterface* securityManager = nullptr; ///< Not owned: released only when it refuses to connect.
-    SMADM_Interface* adminInterface = nullptr;           ///< Not owned: likewise.
+    SecurityManagerInterface* securityManager =
+        nullptr;                               ///< Not owned: released only when it refuses to connect.
+    SMADM_Interface* adminInterface = nullptr; ///< Not owned: likewise.
     std::map<std::string, ValuesFunctionFactory> valuesFunctionFactories;
 
 private:

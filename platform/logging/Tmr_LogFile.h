@@ -23,10 +23,12 @@ public:
     /// Announces the calling thread's next message: where it comes from and how much it matters (3: failure
     /// ... 7: trace). Answers non-zero when the message is to be written; only then call `Log`, on the same
     /// thread. The texts are kept by address until that `Log` and must live as long.
-    int StoreParams(const char* sourceFile, const char* functionName, int line, int level, int module, int number);
+    int StoreParams(const char* sourceFile, const char* functionName, int line, int level, int module,
+                    int number);
 
     /// Writes the announced message, whole whatever its length, as one line whatever bytes are in it.
-    /// Throws std::bad_alloc; a log that cannot be written is reported on standard error and not to the caller.
+    /// Throws std::bad_alloc; a log that cannot be written is reported on standard error and not to the
+    /// caller.
     void Log(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
 private:
@@ -36,7 +38,7 @@ private:
     // Above every level until the environment has been read, so that a level is tested by one comparison.
     std::atomic<int> threshold{std::numeric_limits<int>::max()};
     std::once_flag opened;
-    std::unique_ptr<Writer> writer;
+    std::shared_ptr<Writer> writer; // not unique: it needs to know no more of its type than is declared here
 };
 
 extern PLATFORM_EXPORT Tmr_LogFile TmrGLog;

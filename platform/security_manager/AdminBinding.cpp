@@ -1,5 +1,5 @@
-// Linked into the module in place of the administration library: opens that library when its first operation is
-// asked for, so that a host which never connects never needs it.
+// Linked into the module in place of the administration library: opens that library when its first operation
+// is asked for, so that a host which never connects never needs it.
 #include "platform/security_manager/SMADM_Interface.h"
 
 #include <dlfcn.h>
@@ -73,7 +73,8 @@ private:
     {
         void* entry = dlsym(handle, name);
         if (entry == nullptr) {
-            throw std::runtime_error("the administration library '" + path + "' has no entry point: " + Reason());
+            throw std::runtime_error("the administration library '" + path +
+                                     "' has no entry point: " + Reason());
         }
         return reinterpret_cast<Function>(entry);
     }

@@ -16,8 +16,8 @@ public:
     /// Connects, as SecurityManagerInterface::Initialize does.
     virtual bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode) = 0;
 
-    /// The user named `userName`, or null when there is no such user; see UserDetailsInterface for how long it
-    /// is valid. `domain` is not used.
+    /// The user named `userName`, or null when there is no such user; see UserDetailsInterface for how long
+    /// it is valid. `domain` is not used.
     virtual UserDetailsInterface* GetUserDetails(const char* domain, const char* userName) = 0;
 
     /// What is granted to exactly this user and exactly this group, in the order of granting: a new list that
@@ -30,8 +30,8 @@ public:
 // Looked up by name in a library that is opened late, hence without C++ name mangling.
 extern "C" {
 
-/// A new interface for the caller named `applicationName`, to be given back by `releaseSECM_Interface` at some
-/// time or never (it is then freed when the library is unloaded). Null when the library does not serve
+/// A new interface for the caller named `applicationName`, to be given back by `releaseSECM_Interface` at
+/// some time or never (it is then freed when the library is unloaded). Null when the library does not serve
 /// `interfaceVersion`. Throws std::runtime_error when the administration library cannot be opened.
 SMADM_API SMADM_Interface* getSECM_Interface(const char* applicationName, unsigned interfaceVersion);
 

@@ -19,18 +19,20 @@ class UserDetailsInterface;
 #define SECURITY_MANAGER_API
 #endif
 
-/// One object serves one user at a time and one thread at a time; separate objects do not disturb one another.
-/// A fault during a request is thrown (std::runtime_error) and never looks like an answer.
+/// One object serves one user at a time and one thread at a time; separate objects do not disturb one
+/// another. A fault during a request is thrown (std::runtime_error) and never looks like an answer.
 class SecurityManagerInterface {
 public:
     SECURITY_MANAGER_INTERFACE_API SecurityManagerInterface();
 
-    /// Connects. `connectionText` and `timeoutSeconds` (0: the security manager's own) say to what and for how
-    /// long to try; `callback` is kept by address for the object's life. False: not usable, the reason is logged.
+    /// Connects. `connectionText` and `timeoutSeconds` (0: the security manager's own) say to what and for
+    /// how long to try; `callback` is kept by address for the object's life. False: not usable, the reason is
+    /// logged.
     virtual bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode,
                             SECM_CallBackInterface* callback, bool flag) = 0;
 
-    /// Asks `callback` whom to log in, in place of the user logged in before. Read the result by `IsLoggedIn`.
+    /// Asks `callback` whom to log in, in place of the user logged in before. Read the result by
+    /// `IsLoggedIn`.
     virtual bool Login(SECM_CallBackInterface* callback, bool flag) = 0;
 
     /// Whether a user is logged in for `application`, the name that the callback gave at `Login`.
@@ -53,9 +55,9 @@ public:
     SECURITY_MANAGER_INTERFACE_API virtual ~SecurityManagerInterface();
 };
 
-/// A new interface for the caller named `applicationName`, to be given back by `releaseSecurityManagerInterface`
-/// at some time or never (it is then freed when the library is unloaded). Null when the library does not serve
-/// `interfaceVersion`.
+/// A new interface for the caller named `applicationName`, to be given back by
+/// `releaseSecurityManagerInterface` at some time or never (it is then freed when the library is unloaded).
+/// Null when the library does not serve `interfaceVersion`.
 SECURITY_MANAGER_API SecurityManagerInterface* getSecurityManagerInterface(const char* applicationName,
                                                                            unsigned interfaceVersion);
 

@@ -4,8 +4,8 @@
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
 #include "tools/acfilter/HostOptions.h"
 #include "tools/acfilter/Progress.h"
+#include "tools/acfilter/TextOption.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <cerrno>
@@ -42,7 +42,8 @@ void ForEachLine(std::istream& lines, const std::string& place, const UserHandle
             name.pop_back();
         }
         if (name.find('\0') != std::string::npos) {
-            throw std::runtime_error(place + ":" + std::to_string(number) + ": a user name cannot hold a NUL byte");
+            throw std::runtime_error(place + ":" + std::to_string(number) +
+                                     ": a user name cannot hold a NUL byte");
         }
         if (!name.empty()) {
             handle(name);
@@ -92,8 +93,10 @@ void PrintFilters(const FilterOptions& options)
     std::string repository = options.host.repository;
     const std::unique_ptr<SECM_AccessControlInterface> accessControl(
         SECM_AccessControlInterface::CreateInstance(repository));
-    if (!accessControl->InitSecurityConnection(options.host.securityDatabase.c_str(), options.host.timeoutSeconds)) {
-        throw std::runtime_error("the security database refused the connection; the log says why, at level 3");
+    if (!accessControl->InitSecurityConnection(options.host.securityDatabase.c_str(),
+                                               options.host.timeoutSeconds)) {
+        throw std::runtime_error(
+            "the security database given by --security refused the connection; the log says why, at level 3");
     }
 
     Progress progress;
@@ -113,18 +116,26 @@ void PrintFilters(const FilterOptions& options)
 
 void AddFilterCommand(CLI::App& app)
 {
-    CLI::App* command = app.add_subcommand("filter", "Print the access-control filter of each user, one a line");
+    CLI::App* command =
+        app.add_subcommand("filter", "Print the access-control filter of each user, one a line");
     auto options = std::make_shared<FilterOptions>();
     AddHostOptions(*command, options->host);
-    command->add_option("--ip", options->ipAddress, "The address that the users log in from")->type_name("ADDRESS");
+    AddTextOption(*command, "--ip", options->ipAddress, "The address that the users log in from")
+        ->type_name("ADDRESS");
     command->add_flag("--no-login", options->withoutLogin, "Ask by user name, without logging the user in");
     command->add_option("--format", options->format, "text: the filter's bytes; json: one object a line")
-        ->check(CLI::IsMember({"text", "json"}))
-        ->type_name("text|json");
-    CLI::Option_group* who = command->add_option_group("who", "Whose filters");
-    who->add_option("USER", options->users, "User names; one that begins with - goes after --")->type_name("");
-    who->add_option("--users-from", options->usersFrom, "A file of user names, one a line; - for standard input")
+        ->check(CLI::IsMember({"text", "json"}));
+    CLI::Option* users =
+        AddTextOption(*command, "USER", options->users, "User names; one that begins with - after --");
+    users->type_name("");
+    AddTextOption(*command, "--users-from", options->usersFrom,
+                  "A file of user names, one a line; - for standard input")
+        ->excludes(users)
         ->type_name("FILE");
-    who->require_option(1);
-    command->callback([options] { PrintFilters(*options); });
+    command->callback([options] {
+        if (options->users.empty() && options->usersFrom.empty()) {
+            throw CLI::RequiredError("USER or --users-from");
+        }
+        PrintFilters(*options);
+    });
 }

@@ -2,8 +2,7 @@
 
 #include "SECM_AccessControl/ConfigurationPaths.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
-
-#include <CLI/CLI.hpp>
+#include "tools/acfilter/TextOption.h"
 
 #include <cstdlib>
 #include <memory>
@@ -11,22 +10,28 @@
 
 void AddHostOptions(CLI::App& command, HostOptions& options)
 {
-    command.add_option("-c,--config", options.configuration, "The configuration: a TOML file, or a folder of them")
+    AddTextOption(command, "-c,--config", options.configuration,
+                  "The configuration: a TOML file, or a folder of them")
         ->envname("CFG_REPOSITORY")
         ->type_name("PATH")
         ->required();
-    command.add_option("-s,--security", options.securityDatabase, "The security database: sqlite3://db=FILE")
+    AddTextOption(command, "-s,--security", options.securityDatabase,
+                  "The security database: sqlite3://db=FILE")
         ->envname("SECM_CONNECTION")
         ->type_name("CONNECT")
         ->required();
-    command.add_option("-r,--repository", options.repository, "The repository of the configuration to ask")
+    AddTextOption(command, "-r,--repository", options.repository,
+                  "The repository of the configuration to ask")
         ->type_name("NAME")
         ->required();
-    command.add_option("--timeout", options.timeoutSeconds, "Limit for connecting and for each statement, in seconds")
+    command
+        .add_option("--timeout", options.timeoutSeconds,
+                    "Limit for connecting and for each statement, in seconds")
         ->type_name("SECONDS");
     command.add_option("--log-level", options.logLevel, "Log this level and below: 3 failures ... 7 traces")
         ->type_name("N");
-    command.add_option("--log-file", options.logFile, "Append the log to this file; else to standard error")
+    AddTextOption(command, "--log-file", options.logFile,
+                  "Append the log to this file; else to standard error")
         ->type_name("PATH");
 }
 

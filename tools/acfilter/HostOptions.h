@@ -20,7 +20,7 @@ struct HostOptions {
 /// Adds the options to `command`; `options` must live until it has been parsed.
 void AddHostOptions(CLI::App& command, HostOptions& options);
 
-/// Hands the options on to the platform layers, by their environment variables, and makes sure that the configuration
-/// has the repository: the module would go on with empty settings. Call it before anything else of the platform.
-/// Throws std::runtime_error, and CFG_Error when the configuration cannot be used.
+/// Hands the options on to the platform layers, by their environment variables, and makes sure that the
+/// configuration has the repository: the module would go on with empty settings. Call it before anything else
+/// of the platform. Throws std::runtime_error, and CFG_Error when the configuration cannot be used.
 void ApplyHostOptions(const HostOptions& options);

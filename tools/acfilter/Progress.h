@@ -3,7 +3,8 @@
 
 #include <chrono>
 
-/// Silent unless standard error is a terminal and standard output is none. The line is gone when the object is.
+/// Silent unless standard error is a terminal and standard output is none. The line is gone when the object
+/// is.
 class Progress {
 public:
     Progress();

@@ -1,10 +1,10 @@
 // The command line: parses and dispatches.
 #include "tools/acfilter/FilterCommand.h"
-
-#include <CLI/CLI.hpp>
+#include "tools/acfilter/TextOption.h"
 
 #include <cstdio>
 #include <exception>
+#include <string>
 
 namespace {
 
@@ -17,11 +17,13 @@ int main(int argc, char** argv)
     CLI::App app("Access-control filters, user by user", "acfilter");
     app.set_version_flag("--version", "acfilter " ACFILTER_VERSION);
     app.require_subcommand(1);
-    app.failure_message(CLI::FailureMessage::simple);
+    app.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return std::string("acfilter: ") + error.what() + "\nRun with --help for more information.\n";
+    });
     AddFilterCommand(app);
 
     try {
-        app.parse(argc, argv);
+        app.parse(MarkedArguments(argc, argv));
     } catch (const CLI::Success& request) {
         return app.exit(request); // --help, --version
     } catch (const CLI::ParseError& error) {

@@ -1,5 +1,6 @@
-// The configuration repository on the loaded tree. The one root looks at whatever tree is in force; a sub-tree
-// keeps the tree alive that it was taken from, so a reload never changes or frees what a reader holds.
+// The configuration repository on the loaded tree. The one root looks at whatever tree is in force; a
+// sub-tree keeps the tree alive that it was taken from, so a reload never changes or frees what a reader
+// holds.
 #include "platform/configuration/CFG_RepositoryServices.h"
 
 #include "platform/configuration/toml/TomlTree.h"
@@ -61,7 +62,10 @@ std::optional<std::int32_t> AsInteger(std::string_view text)
 class NameList final : public CFG_NameList {
 public:
     explicit NameList(NodePointer ofNode) : node(std::move(ofNode)) {}
-    const char* GetName(int index) const override { return node->childNames.at(static_cast<std::size_t>(index))->c_str(); }
+    const char* GetName(int index) const override
+    {
+        return node->childNames.at(static_cast<std::size_t>(index))->c_str();
+    }
     int GetCount() const override { return static_cast<int>(node->childNames.size()); }
 
 private:

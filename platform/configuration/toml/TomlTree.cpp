@@ -1,6 +1,6 @@
-// toml++ reads the files; here they become one tree in the order in which an administrator wrote it. toml++ sorts
-// its tables, so that order is taken from the place of each key. Whatever cannot be taken as it stands is refused
-// with its place, for a setting that is silently passed over could let a user see more.
+// toml++ reads the files; here they become one tree in the order in which an administrator wrote it. toml++
+// sorts its tables, so that order is taken from the place of each key. Whatever cannot be taken as it stands
+// is refused with its place, for a setting that is silently passed over could let a user see more.
 #include "platform/configuration/toml/TomlTree.h"
 
 #include "platform/configuration/CFG_RepositoryServices.h"
@@ -23,7 +23,8 @@ constexpr std::int64_t largestInteger = 4294967295LL;
 
 std::string PlaceOf(const std::string& path, const toml::source_position& position)
 {
-    return path + ":" + std::to_string(std::max(position.line, 1U)) + ":" + std::to_string(std::max(position.column, 1U));
+    return path + ":" + std::to_string(std::max(position.line, 1U)) + ":" +
+           std::to_string(std::max(position.column, 1U));
 }
 
 // For what is wrong with a file as a whole.

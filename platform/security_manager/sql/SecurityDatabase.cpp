@@ -1,5 +1,6 @@
-// Every statement answers rows of one shape (section, position, name, text, value, is_conditional), so that a log-in
-// is one statement and therefore one consistent view: the user, then the attributes, then the permissions.
+// Every statement answers rows of one shape (section, position, name, text, value, is_conditional), so that a
+// log-in is one statement and therefore one consistent view: the user, then the attributes, then the
+// permissions.
 #include "platform/security_manager/sql/SecurityDatabase.h"
 
 #include "platform/logging/Tmr_LogFile.h"
@@ -27,22 +28,24 @@ constexpr const char* userRows =
     " UNION ALL "
     "SELECT 1, 0, attribute_name, attribute_value, 0, 0 FROM security_attribute WHERE user_name = :user";
 
-// SQLite keeps whatever was written into a number column, so what is no whole number of 32 bits becomes -1 here and
-// a fault below; a condition that is anything but 0 is one, for a condition grants less.
+// SQLite keeps whatever was written into a number column, so what is no whole number of 32 bits becomes -1
+// here and a fault below; a condition that is anything but 0 is one, for a condition grants less.
 std::string PermissionRows(const char* granteeType, const char* grantee)
 {
-    return std::string("SELECT 2, position, permission_name, resource,"
-                       " CASE WHEN permission_value BETWEEN 0 AND 4294967295"
-                       " AND CAST(permission_value AS BIGINT) = permission_value THEN permission_value ELSE -1 END,"
-                       " CASE WHEN is_conditional = 0 THEN 0 ELSE 1 END"
-                       " FROM security_permission WHERE grantee_type = '") +
+    return std::string(
+               "SELECT 2, position, permission_name, resource,"
+               " CASE WHEN permission_value BETWEEN 0 AND 4294967295"
+               " AND CAST(permission_value AS BIGINT) = permission_value THEN permission_value ELSE -1 END,"
+               " CASE WHEN is_conditional = 0 THEN 0 ELSE 1 END"
+               " FROM security_permission WHERE grantee_type = '") +
            granteeType + "' AND grantee = " + grantee;
 }
 
 // An empty group name is no group, whatever is granted to it.
 std::string GrantedTo(const char* user, const char* group)
 {
-    return PermissionRows("user", user) + " UNION ALL " + PermissionRows("group", group) + " AND grantee <> ''";
+    return PermissionRows("user", user) + " UNION ALL " + PermissionRows("group", group) +
+           " AND grantee <> ''";
 }
 
 constexpr const char* groupOfUser = "(SELECT group_name FROM security_user WHERE user_name = :user)";
@@ -63,7 +66,8 @@ std::string PlaceOf(const Row& row)
     return "the row of security_permission at position " + std::to_string(row.position);
 }
 
-// The interfaces hand texts out up to their first NUL; cut short they would be other names and other resources.
+// The interfaces hand texts out up to their first NUL; cut short they would be other names and other
+// resources.
 void RefuseNul(const std::string& text, const std::string& place)
 {
     if (text.find('\0') != std::string::npos) {
@@ -74,7 +78,8 @@ void RefuseNul(const std::string& text, const std::string& place)
 PermissionBase PermissionOf(const Row& row)
 {
     if (row.value < 0) {
-        throw std::runtime_error(PlaceOf(row) + " has a permission_value that is no whole number from 0 to 4294967295");
+        throw std::runtime_error(PlaceOf(row) +
+                                 " has a permission_value that is no whole number from 0 to 4294967295");
     }
     RefuseNul(row.name, PlaceOf(row));
     RefuseNul(row.text, PlaceOf(row));
@@ -105,6 +110,15 @@ soci::connection_parameters ParametersOf(const std::string& text, unsigned timeo
     return soci::connection_parameters(limited);
 }
 
+// Databases explain themselves in several lines.
+std::string OneLine(std::string text)
+{
+    text.erase(text.find_last_not_of(" \n") + 1);
+    std::replace_if(
+        text.begin(), text.end(), [](char character) { return character == '\n' || character == '\t'; }, ' ');
+    return text;
+}
+
 std::string WithoutPassword(const std::string& connectionText)
 {
     static const std::regex password(R"((password\s*=\s*)('(\\.|[^'\\])*'|\S+))");
@@ -115,11 +129,12 @@ std::string WithoutPassword(const std::string& connectionText)
 
 class SecurityDatabase::Connection {
 public:
-    Connection(const std::string& text, unsigned timeoutSeconds)
-        : session(ParametersOf(text, timeoutSeconds)), userWithPermissions(session), user(session), permissions(session)
+    Connection(const std::string& connectionText, unsigned timeout)
+        : session(ParametersOf(connectionText, timeout)), userWithPermissions(session), user(session),
+          permissions(session)
     {
-        if (timeoutSeconds != 0 && session.get_backend_name() == "postgresql") {
-            session << "SET statement_timeout = " << static_cast<unsigned long long>(timeoutSeconds) * 1000;
+        if (timeout != 0 && session.get_backend_name() == "postgresql") {
+            session << "SET statement_timeout = " << static_cast<unsigned long long>(timeout) * 1000;
         }
         permissions.exchange(soci::use(groupName, "group"));
         Prepare(permissions, GrantedTo(":user", ":group") + inOrder);
@@ -155,7 +170,8 @@ private:
         while (statement.fetch()) {
             if (row.section == userSection) {
                 if (found) {
-                    throw std::runtime_error("the user '" + name + "' has more than one row in security_user");
+                    throw std::runtime_error("the user '" + name +
+                                             "' has more than one row in security_user");
                 }
                 RefuseNul(row.name, "the row of security_user for '" + name + "'");
                 found.emplace().groupName = row.name;
@@ -173,7 +189,7 @@ private:
         return found;
     }
 
-    void Prepare(soci::statement& statement, const std::string& text)
+    void Prepare(soci::statement& statement, const std::string& sql)
     {
         statement.exchange(soci::into(row.section));
         statement.exchange(soci::into(row.position));
@@ -183,7 +199,7 @@ private:
         statement.exchange(soci::into(row.isConditional));
         statement.exchange(soci::use(userName, "user"));
         statement.alloc();
-        statement.prepare(text);
+        statement.prepare(sql);
         statement.define_and_bind();
     }
 
@@ -208,17 +224,19 @@ SecurityDatabase::~SecurityDatabase() = default;
 template <class Question>
 auto SecurityDatabase::Ask(const char* name, Question question)
 {
+    const char* step = "connecting";
     try {
         if (!connection) {
             connection = std::make_unique<Connection>(text, timeoutSeconds);
         }
+        step = name;
         return question(*connection);
     } catch (const soci::soci_error& error) {
         connection.reset();
-        throw std::runtime_error(std::string(name) + ": " + error.get_error_message());
+        throw std::runtime_error(std::string(step) + ": " + OneLine(error.get_error_message()));
     } catch (const std::runtime_error& error) {
         connection.reset();
-        throw std::runtime_error(std::string(name) + ": " + error.what());
+        throw std::runtime_error(std::string(step) + ": " + error.what());
     } catch (...) {
         connection.reset();
         throw;
@@ -236,7 +254,8 @@ std::optional<SecurityUser> SecurityDatabase::ReadUser(const std::string& userNa
     return Ask("reading the user", [&](Connection& open) { return open.ReadUser(userName); });
 }
 
-std::vector<PermissionBase> SecurityDatabase::ReadPermissions(const std::string& groupName, const std::string& userName)
+std::vector<PermissionBase> SecurityDatabase::ReadPermissions(const std::string& groupName,
+                                                              const std::string& userName)
 {
     return Ask("reading the permissions",
                [&](Connection& open) { return open.ReadPermissions(groupName, userName); });
@@ -259,9 +278,10 @@ std::unique_ptr<SecurityDatabase> SecurityDatabase::Open(const char* function, c
     } catch (const std::runtime_error& error) {
         reason = error.what();
     }
-    if (TmrGLog.StoreParams("platform/security_manager/sql/SecurityDatabase", function, __LINE__, failureLevel,
-                            moduleNumber, 1) != 0) {
-        TmrGLog.Log("The security database '%s' cannot be used: %s\n", WithoutPassword(text).c_str(), reason.c_str());
+    if (TmrGLog.StoreParams("platform/security_manager/sql/SecurityDatabase", function, __LINE__,
+                            failureLevel, moduleNumber, 1) != 0) {
+        TmrGLog.Log("The security database '%s' cannot be used: %s\n", WithoutPassword(text).c_str(),
+                    reason.c_str());
     }
     return nullptr;
 }

@@ -1,5 +1,5 @@
-// The security database: three tables read by one statement for each question, through SOCI, so that SQLite and
-// PostgreSQL give the same answers.
+// The security database: three tables read by one statement for each question, through SOCI, so that SQLite
+// and PostgreSQL give the same answers.
 #pragma once
 
 #include "platform/security_manager/sql/SecurityUser.h"
@@ -9,12 +9,12 @@
 #include <string>
 #include <vector>
 
-/// One connection, used by one thread at a time. A question that fails throws std::runtime_error, whose text begins
-/// with the question's name, and drops the connection; the next question connects again.
+/// One connection, used by one thread at a time. A question that fails throws std::runtime_error, whose text
+/// begins with the question's name, and drops the connection; the next question connects again.
 class SecurityDatabase {
 public:
-    /// Connects and tries every statement. Null when that fails or `mode` is not "nonsecure"; the reason is logged
-    /// at level 3 as coming from `function`. A missing SQLite file is not created.
+    /// Connects and tries every statement. Null when that fails or `mode` is not "nonsecure"; the reason is
+    /// logged at level 3 as coming from `function`. A missing SQLite file is not created.
     static std::unique_ptr<SecurityDatabase> Open(const char* function, const char* connectionText,
                                                   unsigned timeoutSeconds, const char* mode);
     ~SecurityDatabase();

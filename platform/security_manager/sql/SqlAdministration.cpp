@@ -1,5 +1,5 @@
-// The administration interface on the security database: the same users, groups and permissions as at log-in, asked
-// for by name.
+// The administration interface on the security database: the same users, groups and permissions as at log-in,
+// asked for by name.
 #define SMADM_API PLATFORM_EXPORT
 #include "platform/Export.h"
 #include "platform/security_manager/SMADM_Interface.h"
@@ -34,7 +34,8 @@ public:
     bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode) override
     {
         details.reset();
-        database = SecurityDatabase::Open("SMADM_Interface::Initialize", connectionText, timeoutSeconds, mode);
+        database =
+            SecurityDatabase::Open("SMADM_Interface::Initialize", connectionText, timeoutSeconds, mode);
         return database != nullptr;
     }
 
@@ -76,7 +77,8 @@ HandedOut<SMADM_Interface>& Administrations()
 
 SMADM_Interface* getSECM_Interface(const char* /*applicationName*/, unsigned interfaceVersion)
 {
-    return interfaceVersion == servedVersion ? Administrations().Keep(std::make_unique<SqlAdministration>()) : nullptr;
+    return interfaceVersion == servedVersion ? Administrations().Keep(std::make_unique<SqlAdministration>())
+                                             : nullptr;
 }
 
 void releaseSECM_Interface(SMADM_Interface* administration)

@@ -1,5 +1,5 @@
-// The security manager on the security database. Everything a request needs is read at log-in; the questions that
-// follow are answered from memory.
+// The security manager on the security database. Everything a request needs is read at log-in; the questions
+// that follow are answered from memory.
 #define SECURITY_MANAGER_API PLATFORM_EXPORT
 #include "platform/Export.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
@@ -24,7 +24,8 @@ public:
                     SECM_CallBackInterface* /*callback*/, bool /*flag*/) override
     {
         details.reset();
-        database = SecurityDatabase::Open("SecurityManagerInterface::Initialize", connectionText, timeoutSeconds, mode);
+        database = SecurityDatabase::Open("SecurityManagerInterface::Initialize", connectionText,
+                                          timeoutSeconds, mode);
         return database != nullptr;
     }
 
@@ -100,8 +101,8 @@ public:
 
 private:
     // A user logs in with their own group, or without naming one.
-    static bool IsOwnGroup(SECM_CallBackInterface* callback, bool (SECM_CallBackInterface::*getGroup)(std::string&),
-                           const SecurityUser& user)
+    static bool IsOwnGroup(SECM_CallBackInterface* callback,
+                           bool (SECM_CallBackInterface::*getGroup)(std::string&), const SecurityUser& user)
     {
         std::string group;
         return !(callback->*getGroup)(group) || group == noGroupMarker || group == user.groupName;
@@ -127,9 +128,11 @@ HandedOut<SecurityManagerInterface>& Managers()
 
 } // namespace
 
-SecurityManagerInterface* getSecurityManagerInterface(const char* /*applicationName*/, unsigned interfaceVersion)
+SecurityManagerInterface* getSecurityManagerInterface(const char* /*applicationName*/,
+                                                      unsigned interfaceVersion)
 {
-    return interfaceVersion == servedVersion ? Managers().Keep(std::make_unique<SqlSecurityManager>()) : nullptr;
+    return interfaceVersion == servedVersion ? Managers().Keep(std::make_unique<SqlSecurityManager>())
+                                             : nullptr;
 }
 
 void releaseSecurityManagerInterface(SecurityManagerInterface* securityManager)

@@ -1,0 +1,22 @@
+// Options whose text is taken as it was typed. CLI11 would take a user called [a,b] for two users, and refuse
+// a name that begins with "-" when other names stand before the "--".
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <vector>
+
+/// The command line in the form that CLI::App::parse takes, with the texts in question marked so that they
+/// are none of its business.
+std::vector<std::string> MarkedArguments(int argc, const char* const* argv);
+
+/// Takes the mark off.
+std::string WithoutMark(std::string& text);
+
+/// Adds an option for a text or a list of texts, which must live until the option has been parsed.
+template <class Text>
+CLI::Option* AddTextOption(CLI::App& command, const std::string& name, Text& text, const std::string& help)
+{
+    return command.add_option(name, text, help)->transform(CLI::Validator(WithoutMark, ""));
+}
