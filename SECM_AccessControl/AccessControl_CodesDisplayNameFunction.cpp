@@ -39,8 +39,7 @@ bool AccessControl_CodesDisplayNameFunction::Initialize(std::string codeTable)
         std::string code = names->GetName(index);
         const RWCString displayName = table->GetValueByPath(RWCString(code) + "\\display_name");
         if (!code.empty() && displayName.length() != 0) {
-            displayNames.insert_or_assign(std::move(code),
-                                          std::string(displayName.data(), displayName.length()));
+            displayNames.insert_or_assign(std::move(code), std::string(displayName.data(), displayName.length()));
         }
     }
     return true;

@@ -41,8 +41,7 @@ bool IsFramed(std::string_view token)
 }
 
 // False: the user lacks an attribute without which the condition must not stand.
-bool FillUserTokens(std::string& text, const ConditionDefinition& condition,
-                    UserDetailsInterface* userDetails)
+bool FillUserTokens(std::string& text, const ConditionDefinition& condition, UserDetailsInterface* userDetails)
 {
     for (const std::string& token : condition.replaceFields) {
         if (!IsFramed(token)) {

@@ -5,8 +5,7 @@ namespace configuration_paths {
 
 inline constexpr const char* repositories =
     "zarvona\\system\\applications\\securitymanager\\unified_access_control\\repositories\\";
-inline constexpr const char* fields =
-    "zarvona\\system\\applications\\securitymanager\\unified_access_control\\fields";
+inline constexpr const char* fields = "zarvona\\system\\applications\\securitymanager\\unified_access_control\\fields";
 inline constexpr const char* codeTables = "zarvona\\system\\applications\\codes\\";
 inline constexpr const char* sites = "zarvona\\system\\sites";
 /// Of the whole system under its own node, and of a site under the site's.

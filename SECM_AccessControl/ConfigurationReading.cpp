@@ -7,6 +7,7 @@
 #include "platform/configuration/CFG_RepositoryServices.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -16,6 +17,13 @@ constexpr LogOrigin readingLog{managerSourceFile, "SECM_AccessControlManager::Re
 std::string ReadText(const CFG_RepositoryServices& node, const std::string& key)
 {
     return static_cast<const char*>(node.GetValue(key, ""));
+}
+
+// An integer taken bit for bit.
+std::optional<std::uint32_t> ReadBits(const CFG_RepositoryServices& node, const char* key)
+{
+    const std::unique_ptr<const std::int32_t> integer(node.GetIntValue(key));
+    return integer ? std::optional(static_cast<std::uint32_t>(*integer)) : std::nullopt;
 }
 
 } // namespace
@@ -59,8 +67,7 @@ void SECM_AccessControlManager::ReadConfigurations()
 
 void SECM_AccessControlManager::ReadField(const CFG_RepositoryServices& fields, const std::string& fieldName)
 {
-    const std::unique_ptr<CFG_RepositoryServices> node(
-        fields.GetSubTree(RWCString(fieldName + "\\" + repositoryName)));
+    const std::unique_ptr<CFG_RepositoryServices> node(fields.GetSubTree(RWCString(fieldName + "\\" + repositoryName)));
     if (!node) {
         return; // the field does not apply to this repository
     }
@@ -68,8 +75,8 @@ void SECM_AccessControlManager::ReadField(const CFG_RepositoryServices& fields, 
     if (ReadDefinition(*node, *field)) {
         fieldDefinitions.push_back(std::move(field));
     } else {
-        SECM_LOG(readingLog, failureLevel, "Invalid access control configurations under %s\\%s\n",
-                 fieldName.c_str(), repositoryName.c_str());
+        SECM_LOG(readingLog, failureLevel, "Invalid access control configurations under %s\\%s\n", fieldName.c_str(),
+                 repositoryName.c_str());
     }
 }
 
@@ -78,11 +85,11 @@ bool SECM_AccessControlManager::ReadDefinition(const CFG_RepositoryServices& nod
     field.permissionName = ReadText(node, "permission_name");
     field.conditionsDelimiter = ReadText(node, "conditions_delimiter");
     field.myField = ReadText(node, "my_field");
-    const std::unique_ptr<const std::int32_t> permissionValue(node.GetIntValue("permission_value"));
+    const std::optional<std::uint32_t> permissionValue = ReadBits(node, "permission_value");
     if (!permissionValue) {
         return false;
     }
-    field.permissionValue = static_cast<std::uint32_t>(*permissionValue);
+    field.permissionValue = *permissionValue;
     ReadConditions(node, field.conditions);
     return !field.conditions.empty() && !field.permissionName.empty() &&
            (field.conditions.size() == 1 || !field.conditionsDelimiter.empty());
@@ -112,8 +119,8 @@ void SECM_AccessControlManager::ReadConditions(const CFG_RepositoryServices& nod
     }
 }
 
-void SECM_AccessControlManager::BindValuesFunction(const CFG_RepositoryServices& node,
-                                                   const std::string& number, ConditionDefinition& condition)
+void SECM_AccessControlManager::BindValuesFunction(const CFG_RepositoryServices& node, const std::string& number,
+                                                   ConditionDefinition& condition)
 {
     const std::string name = ReadText(node, "values_function" + number);
     if (name.empty()) {

@@ -52,15 +52,11 @@ public:
     {
     }
 
-    bool Holds(const PermissionBase& permission)
-    {
-        return manager.CheckPermissionInList(permissionList, permission);
-    }
+    bool Holds(const PermissionBase& permission) { return manager.CheckPermissionInList(permissionList, permission); }
 
     bool GetResources(const FieldDefinition& field, std::vector<std::string>& resources)
     {
-        return manager.GetResourcesFromList(permissionList, field.permissionName, field.permissionValue,
-                                            resources);
+        return manager.GetResourcesFromList(permissionList, field.permissionName, field.permissionValue, resources);
     }
 
     void RewriteValue(std::string& value, const FieldDefinition& field)
@@ -99,8 +95,7 @@ std::string SECM_AccessControlManager::GetAccessControlFilter(const std::string&
     }
     UserDetailsInterface* userDetails = adminInterface->GetUserDetails(nullptr, userName.c_str());
     if (userDetails == nullptr) {
-        SECM_LOG(compositionLog, userLevel, "Couldn't get user details for userName: '%s'\n",
-                 userName.c_str());
+        SECM_LOG(compositionLog, userLevel, "Couldn't get user details for userName: '%s'\n", userName.c_str());
         return defaultFilter;
     }
     std::string groupName;
@@ -127,16 +122,14 @@ std::string SECM_AccessControlManager::ComposeFilter(User& user)
     std::vector<std::string> values;
 
     for (const auto& field : fieldDefinitions) {
-        if (user.Holds(
-                PermissionBase(field->permissionName.c_str(), field->permissionValue, nullptr, true))) {
+        if (user.Holds(PermissionBase(field->permissionName.c_str(), field->permissionValue, nullptr, true))) {
             continue; // without restriction
         }
 
         resources.clear();
         values.clear();
         if (!user.GetResources(*field, resources)) {
-            SECM_LOG(compositionLog, failureLevel,
-                     "Couldn't get resources for user for permission name: '%s'\n",
+            SECM_LOG(compositionLog, failureLevel, "Couldn't get resources for user for permission name: '%s'\n",
                      field->permissionName.c_str());
             return hideAllFilter;
         }

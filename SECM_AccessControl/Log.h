@@ -14,9 +14,9 @@ inline constexpr const char* managerSourceFile = "SECM_AccessControl/SECM_Access
 enum LogLevel : int { failureLevel = 3, userLevel = 6, traceLevel = 7 };
 
 /// Writes a printf-style message when `level` is wanted; the arguments are evaluated only then.
-#define SECM_LOG(origin, level, ...)                                                                         \
-    do {                                                                                                     \
-        if (TmrGLog.StoreParams((origin).sourceFile, (origin).function, __LINE__, (level), 197, 1) != 0) {   \
-            TmrGLog.Log(__VA_ARGS__);                                                                        \
-        }                                                                                                    \
+#define SECM_LOG(origin, level, ...)                                                                                   \
+    do {                                                                                                               \
+        if (TmrGLog.StoreParams((origin).sourceFile, (origin).function, __LINE__, (level), 197, 1) != 0) {             \
+            TmrGLog.Log(__VA_ARGS__);                                                                                  \
+        }                                                                                                              \
     } while (false)

@@ -29,15 +29,13 @@ bool SECM_AccessControlManager::CheckPermissionInList(PermissionListInterface* p
     if (permission.resource() == nullptr) {
         return false;
     }
-    const PermissionBase fallback(permission.name(), permission.value(), defaultResource,
-                                  permission.IsConditional());
+    const PermissionBase fallback(permission.name(), permission.value(), defaultResource, permission.IsConditional());
     const PermissionBase* entry = FindEqual(entries, fallback);
     return entry != nullptr && fallback <= *entry;
 }
 
 bool SECM_AccessControlManager::GetResourcesFromList(PermissionListInterface* permissionList,
-                                                     const std::string& permissionName,
-                                                     unsigned permissionValue,
+                                                     const std::string& permissionName, unsigned permissionValue,
                                                      std::vector<std::string>& resources)
 {
     for (const PermissionBase& entry : *permissionList->GetPermissions()) {

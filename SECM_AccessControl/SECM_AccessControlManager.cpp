@@ -30,14 +30,13 @@ SECM_AccessControlInterface* SECM_AccessControlInterface::CreateInstance(std::st
     return new SECM_AccessControlManager(repositoryName);
 }
 
-SECM_AccessControlManager::SECM_AccessControlManager(const std::string& repository)
-    : repositoryName(repository)
+SECM_AccessControlManager::SECM_AccessControlManager(const std::string& repository) : repositoryName(repository)
 {
     // Before the configuration is read, which binds conditions to values functions by name.
     SECM_AccessControlManager::RegisterValuesFunction("SiteIdToIssuer",
                                                       &AccessControl_SiteIdToIssuerFunction::CreateInstance);
-    SECM_AccessControlManager::RegisterValuesFunction(
-        "CodeToDisplayName", &AccessControl_CodesDisplayNameFunction::CreateInstance);
+    SECM_AccessControlManager::RegisterValuesFunction("CodeToDisplayName",
+                                                      &AccessControl_CodesDisplayNameFunction::CreateInstance);
     SECM_AccessControlManager::ReadConfigurations();
 }
 
@@ -61,10 +60,8 @@ bool SECM_AccessControlManager::InitSecurityConnection(const char* connectionTex
     }
 
     adminInterface = getSECM_Interface(administrationName, administrationVersion);
-    if (adminInterface == nullptr ||
-        !adminInterface->Initialize(connectionText, connectionValue, connectionMode)) {
-        SECM_LOG(connectionLog, failureLevel,
-                 "Failed to initialize security manager admin for access control\n");
+    if (adminInterface == nullptr || !adminInterface->Initialize(connectionText, connectionValue, connectionMode)) {
+        SECM_LOG(connectionLog, failureLevel, "Failed to initialize security manager admin for access control\n");
         if (adminInterface != nullptr) {
             releaseSECM_Interface(adminInterface);
         }
@@ -74,8 +71,7 @@ bool SECM_AccessControlManager::InitSecurityConnection(const char* connectionTex
     return true;
 }
 
-std::string SECM_AccessControlManager::GetAccessControlFilter(const std::string& userName,
-                                                              const std::string& ipAddress)
+std::string SECM_AccessControlManager::GetAccessControlFilter(const std::string& userName, const std::string& ipAddress)
 {
     if (securityManager == nullptr) {
         SECM_LOG(requestLog, failureLevel, "Security manager is not initialized\n");
@@ -90,9 +86,8 @@ std::string SECM_AccessControlManager::GetAccessControlFilter(const std::string&
     callback.ipAddress = ipAddress;
     securityManager->Login(&callback, false);
     if (!securityManager->IsLoggedIn(AccessControlCallback::applicationName)) {
-        SECM_LOG(
-            requestLog, userLevel,
-            "Security manager is not logged in - User does not exist, no access control will be applied\n");
+        SECM_LOG(requestLog, userLevel,
+                 "Security manager is not logged in - User does not exist, no access control will be applied\n");
         return defaultFilter;
     }
 

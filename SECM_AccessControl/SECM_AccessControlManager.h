@@ -60,11 +60,9 @@ protected:
     virtual void RegisterValuesFunction(const std::string& name, ValuesFunctionFactory factory);
 
     /// Answer from a permission list what the security manager answers of a user who is logged in.
-    virtual bool CheckPermissionInList(PermissionListInterface* permissionList,
-                                       const PermissionBase& permission);
-    virtual bool GetResourcesFromList(PermissionListInterface* permissionList,
-                                      const std::string& permissionName, unsigned permissionValue,
-                                      std::vector<std::string>& resources);
+    virtual bool CheckPermissionInList(PermissionListInterface* permissionList, const PermissionBase& permission);
+    virtual bool GetResourcesFromList(PermissionListInterface* permissionList, const std::string& permissionName,
+                                      unsigned permissionValue, std::vector<std::string>& resources);
 
     std::string repositoryName;
     std::vector<std::unique_ptr<FieldDefinition>> fieldDefinitions; ///< In the order of the configuration.
@@ -77,9 +75,8 @@ protected:
     std::string valueMultiplicityPrefix;
     std::string valueMultiplicitySuffix;
     AccessControlCallback callback;
-    SecurityManagerInterface* securityManager =
-        nullptr;                               ///< Not owned: released only when it refuses to connect.
-    SMADM_Interface* adminInterface = nullptr; ///< Not owned: likewise.
+    SecurityManagerInterface* securityManager = nullptr; ///< Not owned: released only when it refuses to connect.
+    SMADM_Interface* adminInterface = nullptr;           ///< Not owned: likewise.
     std::map<std::string, ValuesFunctionFactory> valuesFunctionFactories;
 
 private:

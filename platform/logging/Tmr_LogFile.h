@@ -23,8 +23,7 @@ public:
     /// Announces the calling thread's next message: where it comes from and how much it matters (3: failure
     /// ... 7: trace). Answers non-zero when the message is to be written; only then call `Log`, on the same
     /// thread. The texts are kept by address until that `Log` and must live as long.
-    int StoreParams(const char* sourceFile, const char* functionName, int line, int level, int module,
-                    int number);
+    int StoreParams(const char* sourceFile, const char* functionName, int line, int level, int module, int number);
 
     /// Writes the announced message, whole whatever its length, as one line whatever bytes are in it.
     /// Throws std::bad_alloc; a log that cannot be written is reported on standard error and not to the

@@ -73,8 +73,7 @@ private:
     {
         void* entry = dlsym(handle, name);
         if (entry == nullptr) {
-            throw std::runtime_error("the administration library '" + path +
-                                     "' has no entry point: " + Reason());
+            throw std::runtime_error("the administration library '" + path + "' has no entry point: " + Reason());
         }
         return reinterpret_cast<Function>(entry);
     }

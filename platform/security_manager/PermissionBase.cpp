@@ -18,8 +18,7 @@ std::optional<std::string_view> TakeField(std::string_view& bytes)
     std::size_t length = 0;
     const char* end = bytes.data() + bytes.size();
     auto [stop, error] = std::from_chars(bytes.data(), end, length);
-    if (error != std::errc() || stop == end || *stop != ':' ||
-        length > static_cast<std::size_t>(end - stop - 1)) {
+    if (error != std::errc() || stop == end || *stop != ':' || length > static_cast<std::size_t>(end - stop - 1)) {
         return std::nullopt;
     }
     const std::string_view field(stop + 1, length);

@@ -47,10 +47,3 @@ void WorkspaceTest::MakeDatabase(const std::string& name, const std::string& sta
     const Outcome made = Run("sqlite3 -bail '" + name + "' < '" + name + ".sql'");
     ASSERT_EQ(made.status, 0) << made.errors;
 }
-
-std::string SampleText(const std::string& name)
-{
-    std::ostringstream content;
-    content << std::ifstream(SAMPLE_FOLDER "/" + name).rdbuf();
-    return content.str();
-}

@@ -21,6 +21,7 @@ protected:
     std::string Path(const std::string& name) const { return (folder / name).string(); }
     void Write(const std::string& name, const std::string& content) const;
     static std::string Read(const std::filesystem::path& path);
+    static std::string SampleText(const std::string& name) { return Read(SAMPLE_FOLDER "/" + name); }
 
     /// Runs a shell command in the folder.
     Outcome Run(const std::string& command) const;
@@ -30,6 +31,3 @@ protected:
 
     std::filesystem::path folder;
 };
-
-/// The sample's files.
-std::string SampleText(const std::string& name);

@@ -5,6 +5,7 @@
 #include "platform/security_manager/PermissionListInterface.h"
 #include "platform/security_manager/SECM_CallBackInterface.h"
 #include "platform/security_manager/SMADM_Interface.h"
+#include "platform/security_manager/SecurityManagerInterface.h"
 #include "platform/security_manager/UserDetailsInterface.h"
 
 #include <algorithm>
@@ -19,12 +20,14 @@ namespace {
 
 std::string messageOrigin;
 
-void Outside(const std::string& call)
+// Writes the call down, fails it when its turn has come, and answers what the script says about `question`.
+bool Outside(const std::string& call, const std::string& question = "")
 {
     script.journal.push_back(call);
     if (++script.calls == script.callToFail) {
         throw std::runtime_error(call);
     }
+    return script.Answers(question);
 }
 
 std::string Shown(const char* text)
@@ -41,15 +44,13 @@ std::string Shown(const PermissionBase& permission)
 struct UserDetails : UserDetailsInterface {
     bool GetGroupName(std::string& groupName) override
     {
-        Outside("GetGroupName '" + groupName + "'");
-        groupName = script.group;
+        Outside("GetGroupName '" + std::exchange(groupName, script.group) + "'");
         return false; // which nobody may rely on
     }
     const char* GetAttribute(const char* name) override
     {
         Outside(std::string("GetAttribute ") + name);
-        const auto found = script.attributes.find(name);
-        return found != script.attributes.end() ? found->second.c_str() : nullptr;
+        return script.attributes.count(name) != 0 ? script.attributes.at(name).c_str() : nullptr;
     }
 } userDetails;
 
@@ -64,79 +65,71 @@ struct SecurityManager : SecurityManagerInterface {
     {
         std::string application;
         callback->GetApplicationName(application);
-        Outside("Initialize " + Shown(text) + " " + std::to_string(value) + " " + mode + " " + application +
-                (flag ? " 1" : " 0"));
-        return script.securityManagerConnects;
+        return Outside("Initialize " + Connection(text, value, mode) + " " + application + (flag ? " wrong" : ""),
+                       "security manager connects");
     }
     bool Login(SECM_CallBackInterface* callback, bool flag) override
     {
         bool auxiliaryFlag = true;
         std::string user, auxiliary = "?", group, second, address;
-        const bool answers =
-            callback->GetUserName(user) && callback->GetAuxiliaryText(auxiliary, auxiliaryFlag) &&
-            callback->GetGroup(group) && callback->GetSecondGroup(second) && callback->GetIpAddress(address);
+        const bool answers = callback->GetUserName(user) && callback->GetAuxiliaryText(auxiliary, auxiliaryFlag) &&
+                             callback->GetGroup(group) && callback->GetSecondGroup(second) &&
+                             callback->GetIpAddress(address);
         Outside("Login " + user + "|" + auxiliary + "|" + group + "|" + second + "|" + address +
                 (answers && !auxiliaryFlag && !flag ? "" : " wrong"));
         return false; // which nobody may rely on
     }
     bool IsLoggedIn(const char* application) override
     {
-        Outside(std::string("IsLoggedIn ") + application);
-        return script.isLoggedIn;
+        return Outside(std::string("IsLoggedIn ") + application, "logged in");
     }
-    bool Logout() override
-    {
-        Outside("Logout");
-        return true;
-    }
+    bool Logout() override { return Outside("Logout"); }
     bool CheckPermission(const PermissionBase& permission) override
     {
         Outside("CheckPermission " + Shown(permission));
         return std::any_of(script.permissions.begin(), script.permissions.end(),
                            [&](const auto& granted) { return permission <= granted; });
     }
-    bool GetResources(const std::string& name, unsigned value, std::vector<std::string>& resources) override
+    bool GetResources(const std::string& name, unsigned value, Lines& resources) override
     {
-        Outside("GetResources " + name + " " + std::to_string(value) + " " +
-                std::to_string(resources.size()));
         for (const auto& granted : script.permissions) {
             if (granted.name() == name && granted.resource() != nullptr) {
                 resources.emplace_back(granted.resource());
             }
         }
-        return script.resourcesAreTold;
+        return Outside("GetResources " + name + " " + std::to_string(value), "resources");
     }
     UserDetailsInterface* GetUserDetails() override
     {
-        Outside("GetUserDetails");
-        return script.hasUserDetails ? &userDetails : nullptr;
+        return Outside("GetUserDetails", "user details") ? &userDetails : nullptr;
+    }
+
+    static std::string Connection(const char* text, unsigned value, const char* mode)
+    {
+        return Shown(text) + " " + std::to_string(value) + " " + mode;
     }
 } securityManager;
 
 struct Administration : SMADM_Interface {
     bool Initialize(const char* text, unsigned value, const char* mode) override
     {
-        Outside("admin Initialize " + Shown(text) + " " + std::to_string(value) + " " + mode);
-        return script.administrationConnects;
+        return Outside("admin Initialize " + SecurityManager::Connection(text, value, mode), "administration connects");
     }
-    UserDetailsInterface* GetUserDetails(const char* domain, const char* userName) override
+    UserDetailsInterface* GetUserDetails(const char* domain, const char* user) override
     {
-        Outside("admin GetUserDetails " + Shown(domain) + " " + userName);
-        return script.hasUserDetails ? &userDetails : nullptr;
+        return Outside("admin GetUserDetails " + Shown(domain) + " " + user, "user details") ? &userDetails : nullptr;
     }
     PermissionListInterface* GetPermissionList(const char* group, const char* user) override
     {
-        Outside(std::string("admin GetPermissionList ") + group + " " + user);
-        return script.hasPermissionList ? new PermissionList : nullptr;
+        return Outside(std::string("admin GetPermissionList ") + group + " " + user, "permission list")
+                   ? new PermissionList
+                   : nullptr;
     }
 } administration;
 
 struct NameList : CFG_NameList {
     ~NameList() override { script.journal.push_back("delete names"); }
-    const char* GetName(int index) const override
-    {
-        return names.at(static_cast<std::size_t>(index)).c_str();
-    }
+    const char* GetName(int index) const override { return names.at(static_cast<std::size_t>(index)).c_str(); }
     int GetCount() const override { return static_cast<int>(names.size()); }
     Lines names;
 };
@@ -177,16 +170,18 @@ struct Node : CFG_RepositoryServices {
     {
         const std::string node = path + relative.data() + (relative.length() != 0 ? "\\" : "");
         Outside("GetChildNames " + node);
-        auto list = std::make_unique<NameList>();
+        if (!Exists(node)) {
+            return nullptr;
+        }
+        auto* list = new NameList;
         for (const auto& [entry, value] : script.configuration) {
             const std::string below = entry.starts_with(node) ? entry.substr(node.size()) : "";
             const std::string name = below.substr(0, below.find('\\'));
-            if (name != below &&
-                std::find(list->names.begin(), list->names.end(), name) == list->names.end()) {
+            if (name != below && std::find(list->names.begin(), list->names.end(), name) == list->names.end()) {
                 list->names.push_back(name);
             }
         }
-        return Exists(node) ? list.release() : nullptr;
+        return list;
     }
     std::int32_t* GetIntValue(RWCString key) const override
     {
@@ -206,20 +201,17 @@ CFG_RepositoryServices::~CFG_RepositoryServices() = default;
 CFG_RepositoryServices* CFG_Factory::GetRepositoryServices()
 {
     static Node root("");
-    Outside("GetRepositoryServices");
-    return script.hasRepositoryServices ? &root : nullptr;
+    return Outside("GetRepositoryServices", "repository services") ? &root : nullptr;
 }
 
 struct Tmr_LogFile::Writer {};
 Tmr_LogFile::~Tmr_LogFile() = default;
 
-int Tmr_LogFile::StoreParams(const char* sourceFile, const char* function, int line, int level, int module,
-                             int number)
+int Tmr_LogFile::StoreParams(const char* sourceFile, const char* function, int line, int level, int module, int number)
 {
     const std::string source = sourceFile;
     messageOrigin = std::to_string(level) + " " + function + ": ";
-    if (!function || line <= 0 || module != 197 || number != 1 ||
-        !source.starts_with("SECM_AccessControl/") ||
+    if (!function || line <= 0 || module != 197 || number != 1 || !source.starts_with("SECM_AccessControl/") ||
         std::string(function).rfind(source.substr(source.find('/') + 1), 0) != 0) {
         messageOrigin += "wrong origin ";
     }
@@ -233,13 +225,19 @@ void Tmr_LogFile::Log(const char* format, ...)
     va_start(arguments, format);
     std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
-    script.journal.push_back(messageOrigin + text);
+    std::string message = messageOrigin + text;
+    if (message.ends_with('\n')) {
+        message.replace(message.size() - 1, 1, "\\n");
+    }
+    script.journal.push_back(message);
 }
 
 SecurityManagerInterface* getSecurityManagerInterface(const char* name, unsigned version)
 {
-    Outside("getSecurityManagerInterface " + std::string(name) + " " + std::to_string(version));
-    return script.hasSecurityManager ? &securityManager : nullptr;
+    return Outside("getSecurityManagerInterface " + std::string(name) + " " + std::to_string(version),
+                   "security manager")
+               ? &securityManager
+               : nullptr;
 }
 
 void releaseSecurityManagerInterface(SecurityManagerInterface* released)
@@ -249,8 +247,9 @@ void releaseSecurityManagerInterface(SecurityManagerInterface* released)
 
 SMADM_Interface* getSECM_Interface(const char* name, unsigned version)
 {
-    Outside("getSECM_Interface " + std::string(name) + " " + std::to_string(version));
-    return script.hasAdministration ? &administration : nullptr;
+    return Outside("getSECM_Interface " + std::string(name) + " " + std::to_string(version), "administration")
+               ? &administration
+               : nullptr;
 }
 
 void releaseSECM_Interface(SMADM_Interface* released)
@@ -270,74 +269,6 @@ SecurityManagerInterface* ScriptedSecurityManager()
 
 PermissionListInterface* ScriptedPermissionList()
 {
-    return new PermissionList;
-}
-
-std::unique_ptr<WatchedManager>
-ScriptedTest::ConnectedManager(const std::map<std::string, Lines>& conditionsOfFields)
-{
-    const std::pair<const char*, const char*> settings[] = {
-        {"hide_all_filter", "NOTHING"},     {"default_filter", "DEFAULT"},
-        {"filter_delimiter", " AND "},      {"single_equal_operator", "="},
-        {"multiple_equal_operator", "in"},  {"value_multiplicity_delimiter", ","},
-        {"value_multiplicity_prefix", "("}, {"value_multiplicity_suffix", ")"}};
-    for (const auto& [key, value] : settings) {
-        Configure(repositoryNode + key, value);
-    }
-    for (const auto& [field, conditions] : conditionsOfFields) {
-        const std::string node = configurationRoot + "fields\\" + field + "\\docs\\";
-        Configure(node + "permission_name", "may " + field);
-        Configure(node + "permission_value", "1");
-        Configure(node + "conditions_delimiter", " OR ");
-        for (std::size_t n = 0; n < conditions.size(); ++n) {
-            Configure(node + "condition" + std::to_string(n + 1), conditions[n]);
-        }
-    }
-    auto manager = std::make_unique<WatchedManager>("docs");
-    manager->InitSecurityConnection("text", 7);
-    TakeJournal();
-    return manager;
-}
-
-#define WATCH(step, ...)                                                                                     \
-    if (isWatched) {                                                                                         \
-        script.journal.push_back("step " #step);                                                             \
-    }                                                                                                        \
-    return SECM_AccessControlManager::step(__VA_ARGS__)
-
-std::string WatchedManager::HandleSingleConditionForUser(const ConditionDefinition& c, const Lines& v,
-                                                         UserDetailsInterface* u)
-{
-    WATCH(HandleSingleConditionForUser, c, v, u);
-}
-std::string WatchedManager::HandleSingleCondition(const ConditionDefinition& c, const Lines& v,
-                                                  SecurityManagerInterface* s)
-{
-    WATCH(HandleSingleCondition, c, v, s);
-}
-void WatchedManager::ReplaceSingleValueForUser(std::string& v, const FieldDefinition& f,
-                                               UserDetailsInterface* u)
-{
-    WATCH(ReplaceSingleValueForUser, v, f, u);
-}
-void WatchedManager::ReplaceSingleValue(std::string& v, const FieldDefinition& f, SecurityManagerInterface* s)
-{
-    WATCH(ReplaceSingleValue, v, f, s);
-}
-void WatchedManager::ResolveUserField(std::string& t, UserDetailsInterface* u)
-{
-    WATCH(ResolveUserField, t, u);
-}
-std::string WatchedManager::ApplyValuesFunction(const std::string& v, const ConditionDefinition& c)
-{
-    WATCH(ApplyValuesFunction, v, c);
-}
-bool WatchedManager::CheckPermissionInList(PermissionListInterface* l, const PermissionBase& p)
-{
-    WATCH(CheckPermissionInList, l, p);
-}
-bool WatchedManager::GetResourcesFromList(PermissionListInterface* l, const std::string& n, unsigned v,
-                                          Lines& r)
-{
-    WATCH(GetResourcesFromList, l, n, v, r);
+    static PermissionList list;
+    return &list;
 }

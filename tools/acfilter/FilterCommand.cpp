@@ -42,8 +42,7 @@ void ForEachLine(std::istream& lines, const std::string& place, const UserHandle
             name.pop_back();
         }
         if (name.find('\0') != std::string::npos) {
-            throw std::runtime_error(place + ":" + std::to_string(number) +
-                                     ": a user name cannot hold a NUL byte");
+            throw std::runtime_error(place + ":" + std::to_string(number) + ": a user name cannot hold a NUL byte");
         }
         if (!name.empty()) {
             handle(name);
@@ -93,17 +92,15 @@ void PrintFilters(const FilterOptions& options)
     std::string repository = options.host.repository;
     const std::unique_ptr<SECM_AccessControlInterface> accessControl(
         SECM_AccessControlInterface::CreateInstance(repository));
-    if (!accessControl->InitSecurityConnection(options.host.securityDatabase.c_str(),
-                                               options.host.timeoutSeconds)) {
+    if (!accessControl->InitSecurityConnection(options.host.securityDatabase.c_str(), options.host.timeoutSeconds)) {
         throw std::runtime_error(
             "the security database given by --security refused the connection; the log says why, at level 3");
     }
 
     Progress progress;
     ForEachUser(options, [&](const std::string& userName) {
-        std::string filter = options.withoutLogin
-                                 ? accessControl->GetAccessControlFilter(userName)
-                                 : accessControl->GetAccessControlFilter(userName, options.ipAddress);
+        std::string filter = options.withoutLogin ? accessControl->GetAccessControlFilter(userName)
+                                                  : accessControl->GetAccessControlFilter(userName, options.ipAddress);
         Print(LineFor(options, userName, std::move(filter)));
         progress.CountOne();
     });
@@ -116,17 +113,14 @@ void PrintFilters(const FilterOptions& options)
 
 void AddFilterCommand(CLI::App& app)
 {
-    CLI::App* command =
-        app.add_subcommand("filter", "Print the access-control filter of each user, one a line");
+    CLI::App* command = app.add_subcommand("filter", "Print the access-control filter of each user, one a line");
     auto options = std::make_shared<FilterOptions>();
     AddHostOptions(*command, options->host);
-    AddTextOption(*command, "--ip", options->ipAddress, "The address that the users log in from")
-        ->type_name("ADDRESS");
+    AddTextOption(*command, "--ip", options->ipAddress, "The address that the users log in from")->type_name("ADDRESS");
     command->add_flag("--no-login", options->withoutLogin, "Ask by user name, without logging the user in");
     command->add_option("--format", options->format, "text: the filter's bytes; json: one object a line")
         ->check(CLI::IsMember({"text", "json"}));
-    CLI::Option* users =
-        AddTextOption(*command, "USER", options->users, "User names; one that begins with - after --");
+    CLI::Option* users = AddTextOption(*command, "USER", options->users, "User names; one that begins with - after --");
     users->type_name("");
     AddTextOption(*command, "--users-from", options->usersFrom,
                   "A file of user names, one a line; - for standard input")

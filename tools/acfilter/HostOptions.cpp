@@ -10,28 +10,22 @@
 
 void AddHostOptions(CLI::App& command, HostOptions& options)
 {
-    AddTextOption(command, "-c,--config", options.configuration,
-                  "The configuration: a TOML file, or a folder of them")
+    AddTextOption(command, "-c,--config", options.configuration, "The configuration: a TOML file, or a folder of them")
         ->envname("CFG_REPOSITORY")
         ->type_name("PATH")
         ->required();
-    AddTextOption(command, "-s,--security", options.securityDatabase,
-                  "The security database: sqlite3://db=FILE")
+    AddTextOption(command, "-s,--security", options.securityDatabase, "The security database: sqlite3://db=FILE")
         ->envname("SECM_CONNECTION")
         ->type_name("CONNECT")
         ->required();
-    AddTextOption(command, "-r,--repository", options.repository,
-                  "The repository of the configuration to ask")
+    AddTextOption(command, "-r,--repository", options.repository, "The repository of the configuration to ask")
         ->type_name("NAME")
         ->required();
-    command
-        .add_option("--timeout", options.timeoutSeconds,
-                    "Limit for connecting and for each statement, in seconds")
+    command.add_option("--timeout", options.timeoutSeconds, "Limit for connecting and for each statement, in seconds")
         ->type_name("SECONDS");
     command.add_option("--log-level", options.logLevel, "Log this level and below: 3 failures ... 7 traces")
         ->type_name("N");
-    AddTextOption(command, "--log-file", options.logFile,
-                  "Append the log to this file; else to standard error")
+    AddTextOption(command, "--log-file", options.logFile, "Append the log to this file; else to standard error")
         ->type_name("PATH");
 }
 
@@ -54,8 +48,7 @@ void ApplyHostOptions(const HostOptions& options)
         root->GetSubTree(RWCString(configuration_paths::repositories + options.repository)));
     if (!repository) {
         throw std::runtime_error(options.configuration + ": there is no repository '" + options.repository +
-                                 "'; add the table [zarvona.system.applications.securitymanager."
-                                 "unified_access_control.repositories." +
-                                 options.repository + "] or correct --repository");
+                                 "'; correct --repository, or add its table under [zarvona.system.applications."
+                                 "securitymanager.unified_access_control.repositories]");
     }
 }

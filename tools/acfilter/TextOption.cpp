@@ -7,18 +7,31 @@ namespace {
 // No argument of a process can hold it.
 constexpr char mark = '\0';
 
+bool TakesValue(const CLI::App& app, const std::string& optionName)
+{
+    const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
+    return std::any_of(commands.begin(), commands.end(), [&](const CLI::App* command) {
+        const CLI::Option* option = command->get_option_no_throw(optionName);
+        return option != nullptr && option->get_items_expected_max() > 0;
+    });
+}
+
 } // namespace
 
-std::vector<std::string> MarkedArguments(int argc, const char* const* argv)
+std::vector<std::string> MarkedArguments(const CLI::App& app, int argc, const char* const* argv)
 {
     std::vector<std::string> arguments;
     bool onlyNamesFollow = false;
     for (int index = 1; index < argc; ++index) {
         const std::string argument = argv[index];
-        if (argument == "--" && !onlyNamesFollow) {
-            onlyNamesFollow = true;
-        } else if (onlyNamesFollow || (argument.starts_with('[') && argument.ends_with(']'))) {
+        const std::string beforeEnd = argument.substr(0, argument.empty() ? 0 : argument.size() - 1);
+        const bool isBracketed = argument.starts_with('[') && argument.ends_with(']');
+        if (onlyNamesFollow || isBracketed || argument == "++") {
             arguments.push_back(mark + argument);
+        } else if (argument == "--") {
+            onlyNamesFollow = true;
+        } else if (argument.ends_with('=') && TakesValue(app, beforeEnd)) {
+            arguments.insert(arguments.end(), {beforeEnd, std::string(1, mark)});
         } else {
             arguments.push_back(argument);
         }

@@ -1,5 +1,6 @@
-// Options whose text is taken as it was typed. CLI11 would take a user called [a,b] for two users, and refuse
-// a name that begins with "-" when other names stand before the "--".
+// Options whose text is taken as it was typed. CLI11 would take a user called [a,b] for two users, pass over one called
+// ++, refuse a name that begins with "-" when other names stand before the "--", and take what follows "--ip=" for its
+// value.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -7,9 +8,9 @@
 #include <string>
 #include <vector>
 
-/// The command line in the form that CLI::App::parse takes, with the texts in question marked so that they
-/// are none of its business.
-std::vector<std::string> MarkedArguments(int argc, const char* const* argv);
+/// The command line in the form that `app` parses, with the texts in question marked so that they are none of its
+/// business.
+std::vector<std::string> MarkedArguments(const CLI::App& app, int argc, const char* const* argv);
 
 /// Takes the mark off.
 std::string WithoutMark(std::string& text);

@@ -2,6 +2,7 @@
 #include "tools/acfilter/FilterCommand.h"
 #include "tools/acfilter/TextOption.h"
 
+#include <array>
 #include <cstdio>
 #include <exception>
 #include <string>
@@ -9,6 +10,19 @@
 namespace {
 
 enum ExitStatus : int { done = 0, failed = 1, wrongCommandLine = 2 };
+
+// One line, whatever names the message quotes: control characters are shown and never sent to the terminal.
+std::string Message(const char* text)
+{
+    std::string message = "acfilter: ";
+    for (; *text != '\0'; ++text) {
+        const auto byte = static_cast<unsigned char>(*text);
+        std::array<char, 5> escaped{};
+        std::snprintf(escaped.data(), escaped.size(), "\\x%02x", static_cast<unsigned>(byte));
+        message += byte < 0x20 || byte == 0x7f ? std::string(escaped.data()) : std::string(1, *text);
+    }
+    return message + "\n";
+}
 
 } // namespace
 
@@ -18,12 +32,12 @@ int main(int argc, char** argv)
     app.set_version_flag("--version", "acfilter " ACFILTER_VERSION);
     app.require_subcommand(1);
     app.failure_message([](const CLI::App*, const CLI::Error& error) {
-        return std::string("acfilter: ") + error.what() + "\nRun with --help for more information.\n";
+        return Message(error.what()) + "Run with --help for more information.\n";
     });
     AddFilterCommand(app);
 
     try {
-        app.parse(MarkedArguments(argc, argv));
+        app.parse(MarkedArguments(app, argc, argv));
     } catch (const CLI::Success& request) {
         return app.exit(request); // --help, --version
     } catch (const CLI::ParseError& error) {
@@ -31,7 +45,7 @@ int main(int argc, char** argv)
         return wrongCommandLine;
     } catch (const std::exception& error) {
         std::fflush(stdout); // what was answered stands, and comes before the failure
-        std::fprintf(stderr, "acfilter: %s\n", error.what());
+        std::fputs(Message(error.what()).c_str(), stderr);
         return failed;
     }
     return done;

@@ -21,6 +21,9 @@ namespace {
 constexpr std::int64_t smallestInteger = -2147483648LL;
 constexpr std::int64_t largestInteger = 4294967295LL;
 
+// Far more than any path that is read, and far less than would exhaust the stack.
+constexpr int deepestNode = 200;
+
 std::string PlaceOf(const std::string& path, const toml::source_position& position)
 {
     return path + ":" + std::to_string(std::max(position.line, 1U)) + ":" +
@@ -89,7 +92,7 @@ void CheckName(const std::string& name, const std::string& place)
     }
 }
 
-void Merge(Node& node, const toml::table& table, const std::string& path)
+void Merge(Node& node, const toml::table& table, const std::string& path, int depth = 1)
 {
     std::vector<std::pair<const toml::key*, const toml::node*>> inFileOrder;
     inFileOrder.reserve(table.size());
@@ -105,6 +108,9 @@ void Merge(Node& node, const toml::table& table, const std::string& path)
         const std::string place = PlaceOf(path, key->source().begin);
         CheckName(name, place);
         const toml::table* child = value->as_table();
+        if (child != nullptr && depth == deepestNode) {
+            throw CFG_Error(place + ": tables are nested more than " + std::to_string(deepestNode) + " deep");
+        }
         auto [found, isNew] = node.entries.try_emplace(name);
         Entry& entry = found->second;
         if (isNew) {
@@ -116,12 +122,12 @@ void Merge(Node& node, const toml::table& table, const std::string& path)
                 entry.value = ValueOf(*value, name, place);
             }
         } else if (child == nullptr || entry.node == nullptr) {
-            throw CFG_Error(place + ": '" + name + "' is " + (child != nullptr ? "a table" : "a value") +
-                            " here and " + (entry.node != nullptr ? "a table" : "a value") + " already at " +
-                            entry.place + "; remove or rename one of the two");
+            throw CFG_Error(place + ": '" + name + "' is " + (child != nullptr ? "a table" : "a value") + " here and " +
+                            (entry.node != nullptr ? "a table" : "a value") + " already at " + entry.place +
+                            "; remove or rename one of the two");
         }
         if (child != nullptr) {
-            Merge(*entry.node, *child, path);
+            Merge(*entry.node, *child, path, depth + 1);
         }
     }
 }

@@ -45,8 +45,7 @@ int LevelFromEnvironment()
     int level = 0;
     const char* end = text + std::strlen(text);
     if (auto [stop, error] = std::from_chars(text, end, level); error != std::errc() || stop != end) {
-        std::fprintf(stderr, "TMR_LOG_LEVEL: '%s' is not a whole number; logging at level %d\n", text,
-                     defaultLevel);
+        std::fprintf(stderr, "TMR_LOG_LEVEL: '%s' is not a whole number; logging at level %d\n", text, defaultLevel);
         return defaultLevel;
     }
     return level;
@@ -63,8 +62,7 @@ spdlog::sink_ptr SinkFromEnvironment()
             }
             return std::make_shared<spdlog::sinks::basic_file_sink_mt>(path);
         } catch (const std::exception& error) {
-            std::fprintf(stderr, "TMR_LOG_FILE: cannot open '%s': %s; logging to standard error\n", path,
-                         error.what());
+            std::fprintf(stderr, "TMR_LOG_FILE: cannot open '%s': %s; logging to standard error\n", path, error.what());
         }
     }
     return std::make_shared<spdlog::sinks::stderr_sink_mt>();
@@ -114,15 +112,15 @@ Tmr_LogFile::~Tmr_LogFile() = default;
 void Tmr_LogFile::Open()
 {
     auto opening = std::make_shared<Writer>(Writer{spdlog::logger("TmrGLog", SinkFromEnvironment())});
-    opening->logger.set_formatter(std::make_unique<spdlog::pattern_formatter>(
-        "%Y-%m-%dT%H:%M:%S.%eZ %v", spdlog::pattern_time_type::utc));
+    opening->logger.set_formatter(
+        std::make_unique<spdlog::pattern_formatter>("%Y-%m-%dT%H:%M:%S.%eZ %v", spdlog::pattern_time_type::utc));
     opening->logger.flush_on(spdlog::level::trace);
     writer = std::move(opening);
     threshold.store(LevelFromEnvironment(), std::memory_order_relaxed);
 }
 
-int Tmr_LogFile::StoreParams(const char* sourceFile, const char* functionName, int line, int level,
-                             int /*module*/, int /*number*/)
+int Tmr_LogFile::StoreParams(const char* sourceFile, const char* functionName, int line, int level, int /*module*/,
+                             int /*number*/)
 {
     if (level > threshold.load(std::memory_order_relaxed)) {
         return 0;
@@ -148,11 +146,7 @@ void Tmr_LogFile::Log(const char* format, ...)
     }
     std::string line;
     line.append("[").append(std::to_string(announced.level)).append("] ").append(announced.functionName);
-    line.append(" (")
-        .append(announced.sourceFile)
-        .append(":")
-        .append(std::to_string(announced.line))
-        .append(") ");
+    line.append(" (").append(announced.sourceFile).append(":").append(std::to_string(announced.line)).append(") ");
     AppendEscaped(line, message);
     writer->logger.log(spdlog::level::info, spdlog::string_view_t(line));
 }

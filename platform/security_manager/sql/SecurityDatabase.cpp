@@ -32,20 +32,18 @@ constexpr const char* userRows =
 // here and a fault below; a condition that is anything but 0 is one, for a condition grants less.
 std::string PermissionRows(const char* granteeType, const char* grantee)
 {
-    return std::string(
-               "SELECT 2, position, permission_name, resource,"
-               " CASE WHEN permission_value BETWEEN 0 AND 4294967295"
-               " AND CAST(permission_value AS BIGINT) = permission_value THEN permission_value ELSE -1 END,"
-               " CASE WHEN is_conditional = 0 THEN 0 ELSE 1 END"
-               " FROM security_permission WHERE grantee_type = '") +
+    return std::string("SELECT 2, position, permission_name, resource,"
+                       " CASE WHEN permission_value BETWEEN 0 AND 4294967295"
+                       " AND CAST(permission_value AS BIGINT) = permission_value THEN permission_value ELSE -1 END,"
+                       " CASE WHEN is_conditional = 0 THEN 0 ELSE 1 END"
+                       " FROM security_permission WHERE grantee_type = '") +
            granteeType + "' AND grantee = " + grantee;
 }
 
 // An empty group name is no group, whatever is granted to it.
 std::string GrantedTo(const char* user, const char* group)
 {
-    return PermissionRows("user", user) + " UNION ALL " + PermissionRows("group", group) +
-           " AND grantee <> ''";
+    return PermissionRows("user", user) + " UNION ALL " + PermissionRows("group", group) + " AND grantee <> ''";
 }
 
 constexpr const char* groupOfUser = "(SELECT group_name FROM security_user WHERE user_name = :user)";
@@ -78,8 +76,7 @@ void RefuseNul(const std::string& text, const std::string& place)
 PermissionBase PermissionOf(const Row& row)
 {
     if (row.value < 0) {
-        throw std::runtime_error(PlaceOf(row) +
-                                 " has a permission_value that is no whole number from 0 to 4294967295");
+        throw std::runtime_error(PlaceOf(row) + " has a permission_value that is no whole number from 0 to 4294967295");
     }
     RefuseNul(row.name, PlaceOf(row));
     RefuseNul(row.text, PlaceOf(row));
@@ -142,6 +139,16 @@ public:
         Prepare(userWithPermissions, userRows + (" UNION ALL " + GrantedTo(":user", groupOfUser)) + inOrder);
     }
 
+    // Tables, columns and rights show only when a statement runs; what it finds is the requests' business.
+    void TryStatements()
+    {
+        for (soci::statement* statement : {&userWithPermissions, &user, &permissions}) {
+            statement->execute();
+            while (statement->fetch()) {
+            }
+        }
+    }
+
     std::optional<SecurityUser> ReadUserWithPermissions(const std::string& name)
     {
         return ReadUser(userWithPermissions, name);
@@ -170,8 +177,7 @@ private:
         while (statement.fetch()) {
             if (row.section == userSection) {
                 if (found) {
-                    throw std::runtime_error("the user '" + name +
-                                             "' has more than one row in security_user");
+                    throw std::runtime_error("the user '" + name + "' has more than one row in security_user");
                 }
                 RefuseNul(row.name, "the row of security_user for '" + name + "'");
                 found.emplace().groupName = row.name;
@@ -179,6 +185,7 @@ private:
                 continue; // attributes and permissions of a name that is no user's
             } else if (row.section == attributeSection) {
                 if (row.textIndicator != soci::i_null) {
+                    RefuseNul(row.name, "security_attribute of '" + name + "'");
                     RefuseNul(row.text, "security_attribute '" + row.name + "' of '" + name + "'");
                     found->attributes.emplace(row.name, row.text);
                 }
@@ -254,11 +261,9 @@ std::optional<SecurityUser> SecurityDatabase::ReadUser(const std::string& userNa
     return Ask("reading the user", [&](Connection& open) { return open.ReadUser(userName); });
 }
 
-std::vector<PermissionBase> SecurityDatabase::ReadPermissions(const std::string& groupName,
-                                                              const std::string& userName)
+std::vector<PermissionBase> SecurityDatabase::ReadPermissions(const std::string& groupName, const std::string& userName)
 {
-    return Ask("reading the permissions",
-               [&](Connection& open) { return open.ReadPermissions(groupName, userName); });
+    return Ask("reading the permissions", [&](Connection& open) { return open.ReadPermissions(groupName, userName); });
 }
 
 std::unique_ptr<SecurityDatabase> SecurityDatabase::Open(const char* function, const char* connectionText,
@@ -271,17 +276,14 @@ std::unique_ptr<SecurityDatabase> SecurityDatabase::Open(const char* function, c
             throw std::runtime_error("the only mode offered is 'nonsecure'");
         }
         std::unique_ptr<SecurityDatabase> database(new SecurityDatabase(text, timeoutSeconds));
-        // Tables, columns and rights show only when a statement runs.
-        database->ReadUserWithPermissions("");
-        database->ReadPermissions("", "");
+        database->Ask("trying the statements", [](Connection& open) { open.TryStatements(); });
         return database;
     } catch (const std::runtime_error& error) {
         reason = error.what();
     }
-    if (TmrGLog.StoreParams("platform/security_manager/sql/SecurityDatabase", function, __LINE__,
-                            failureLevel, moduleNumber, 1) != 0) {
-        TmrGLog.Log("The security database '%s' cannot be used: %s\n", WithoutPassword(text).c_str(),
-                    reason.c_str());
+    if (TmrGLog.StoreParams("platform/security_manager/sql/SecurityDatabase", function, __LINE__, failureLevel,
+                            moduleNumber, 1) != 0) {
+        TmrGLog.Log("The security database '%s' cannot be used: %s\n", WithoutPassword(text).c_str(), reason.c_str());
     }
     return nullptr;
 }

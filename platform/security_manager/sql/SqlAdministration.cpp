@@ -34,8 +34,7 @@ public:
     bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode) override
     {
         details.reset();
-        database =
-            SecurityDatabase::Open("SMADM_Interface::Initialize", connectionText, timeoutSeconds, mode);
+        database = SecurityDatabase::Open("SMADM_Interface::Initialize", connectionText, timeoutSeconds, mode);
         return database != nullptr;
     }
 
@@ -77,8 +76,7 @@ HandedOut<SMADM_Interface>& Administrations()
 
 SMADM_Interface* getSECM_Interface(const char* /*applicationName*/, unsigned interfaceVersion)
 {
-    return interfaceVersion == servedVersion ? Administrations().Keep(std::make_unique<SqlAdministration>())
-                                             : nullptr;
+    return interfaceVersion == servedVersion ? Administrations().Keep(std::make_unique<SqlAdministration>()) : nullptr;
 }
 
 void releaseSECM_Interface(SMADM_Interface* administration)

@@ -24,8 +24,7 @@ public:
                     SECM_CallBackInterface* /*callback*/, bool /*flag*/) override
     {
         details.reset();
-        database = SecurityDatabase::Open("SecurityManagerInterface::Initialize", connectionText,
-                                          timeoutSeconds, mode);
+        database = SecurityDatabase::Open("SecurityManagerInterface::Initialize", connectionText, timeoutSeconds, mode);
         return database != nullptr;
     }
 
@@ -44,6 +43,11 @@ public:
         }
         applicationName.clear();
         callback->GetApplicationName(applicationName);
+        // Asked for as by any security manager; this one grants the same from every address.
+        std::string unused;
+        bool unusedFlag = false;
+        callback->GetAuxiliaryText(unused, unusedFlag);
+        callback->GetIpAddress(unused);
 
         auto user = database->ReadUserWithPermissions(userName);
         if (user && IsOwnGroup(callback, &SECM_CallBackInterface::GetGroup, *user) &&
@@ -101,8 +105,8 @@ public:
 
 private:
     // A user logs in with their own group, or without naming one.
-    static bool IsOwnGroup(SECM_CallBackInterface* callback,
-                           bool (SECM_CallBackInterface::*getGroup)(std::string&), const SecurityUser& user)
+    static bool IsOwnGroup(SECM_CallBackInterface* callback, bool (SECM_CallBackInterface::*getGroup)(std::string&),
+                           const SecurityUser& user)
     {
         std::string group;
         return !(callback->*getGroup)(group) || group == noGroupMarker || group == user.groupName;
@@ -128,11 +132,9 @@ HandedOut<SecurityManagerInterface>& Managers()
 
 } // namespace
 
-SecurityManagerInterface* getSecurityManagerInterface(const char* /*applicationName*/,
-                                                      unsigned interfaceVersion)
+SecurityManagerInterface* getSecurityManagerInterface(const char* /*applicationName*/, unsigned interfaceVersion)
 {
-    return interfaceVersion == servedVersion ? Managers().Keep(std::make_unique<SqlSecurityManager>())
-                                             : nullptr;
+    return interfaceVersion == servedVersion ? Managers().Keep(std::make_unique<SqlSecurityManager>()) : nullptr;
 }
 
 void releaseSecurityManagerInterface(SecurityManagerInterface* securityManager)

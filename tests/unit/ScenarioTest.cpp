@@ -1,0 +1,224 @@
+// Whole lives of a manager, played from a text: what stands in the configuration and what the platform
+// answers, then what is asked of the manager, each with the answer ("= ") and everything that went outside
+// meanwhile ("> ").
+#include "platform/security_manager/PermissionListInterface.h"
+#include "platform/security_manager/SecurityManagerInterface.h"
+#include "tests/unit/ScriptedPlatform.h"
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+
+namespace {
+
+PermissionBase PermissionFrom(const std::string& text) // NAME:VALUE:RESOURCE[:conditional]
+{
+    const Lines parts = Split(text, ":");
+    return {parts.at(0).c_str(), static_cast<unsigned>(std::stoul(parts.at(1))),
+            parts.at(2) == "null" ? nullptr : parts.at(2).c_str(), parts.size() > 3};
+}
+
+std::string Joined(const Lines& texts)
+{
+    std::string joined;
+    for (const std::string& text : texts) {
+        joined += "[" + text + "]";
+    }
+    return joined;
+}
+
+class Player {
+public:
+    /// Does what `line` says; a command leaves its answer behind.
+    void Do(const std::string& line)
+    {
+        const std::size_t end = std::min(line.find(' '), line.size() - 1);
+        const std::string rest = line.substr(end + 1);
+        const auto command = commands.find(line.substr(0, line.find(' ')));
+        if (command != commands.end()) {
+            answer = command->second(rest);
+        } else {
+            Prepare(line.substr(0, end), rest);
+        }
+    }
+
+    std::string answer;
+
+private:
+    static void Prepare(const std::string& what, const std::string& rest)
+    {
+        const std::size_t equal = std::min(rest.find('='), rest.size());
+        const std::string name = rest.substr(0, equal);
+        const std::string value = rest.substr(std::min(equal + 1, rest.size()));
+        if (what == "config") {
+            const bool isShort = name.front() == '@';
+            script.configuration.emplace_back(
+                isShort ? "zarvona\\system\\applications\\securitymanager\\unified_access_control\\" + name.substr(1)
+                        : name,
+                value);
+        } else if (what == "permit") {
+            script.permissions.push_back(PermissionFrom(rest));
+        } else if (what == "attribute") {
+            script.attributes[name] = value;
+        } else if (what == "no") {
+            script.answers[rest] = false;
+        } else if (what == "level") {
+            script.logLevel = std::stoi(rest);
+        } else {
+            throw std::runtime_error("what is '" + what + "'?");
+        }
+    }
+
+    static std::string Truth(bool value) { return value ? "true" : "false"; }
+
+    std::string Definitions() const
+    {
+        std::string text;
+        for (const auto& field : manager->fieldDefinitions) {
+            text += field->permissionName + ":" + std::to_string(field->permissionValue) +
+                    Joined({field->conditionsDelimiter, field->myField});
+            for (const auto& condition : field->conditions) {
+                text += " {" + condition.conditionText + " " + Joined(condition.replaceFields);
+                for (const auto& [token, flag] : condition.mandatoryFields) {
+                    text += " " + token + "=" + std::to_string(flag);
+                }
+                text += condition.valuesFunction ? " mapped}" : "}";
+            }
+            text += ";";
+        }
+        return text;
+    }
+
+    std::string OwnValue(const std::string& text, SecurityManagerInterface* securityManager) const
+    {
+        const Lines valueAndField = Split(text, "|");
+        FieldDefinition field;
+        field.myField = valueAndField.at(1);
+        std::string value = valueAndField.at(0);
+        manager->ReplaceSingleValue(value, field, securityManager);
+        return value;
+    }
+
+    std::string Filled(SecurityManagerInterface* securityManager) const
+    {
+        ConditionDefinition condition;
+        condition.conditionText = "text";
+        return manager->HandleSingleCondition(condition, {"1"}, securityManager);
+    }
+
+    std::string Settings() const
+    {
+        const WatchedManager& m = *manager;
+        return Joined({m.filterDelimiter, m.hideAllFilter, m.defaultFilter, m.singleEqualOperator,
+                       m.multipleEqualOperator, m.valueMultiplicityDelimiter, m.valueMultiplicityPrefix,
+                       m.valueMultiplicitySuffix});
+    }
+
+    std::string Resources(unsigned value) const
+    {
+        Lines found = {"kept"};
+        const bool told = manager->GetResourcesFromList(ScriptedPermissionList(), "p", value, found);
+        return Truth(told) + Joined(found);
+    }
+
+    std::string SplitWith(const std::string& text) const
+    {
+        Lines parts = {"kept"};
+        manager->SplitCommaList(text, parts);
+        return Joined(parts);
+    }
+
+    using Text = const std::string&;
+    SecurityManagerInterface* const security = ScriptedSecurityManager();
+    SecurityManagerInterface* const nobody = nullptr;
+    std::unique_ptr<WatchedManager> manager;
+    const std::map<std::string, std::function<std::string(Text)>> commands = {
+        {"create", [this](Text name) { return (manager = std::make_unique<WatchedManager>(name)), Definitions(); }},
+        {"destroy", [this](Text) { return manager.reset(), ""; }},
+        {"settings", [this](Text) { return Settings() + manager->GetValueMultiplicityDelimiter(); }},
+        {"reread", [this](Text) { return manager->ReadConfigurations(), Definitions(); }},
+        {"clear", [this](Text) { return manager->ClearFieldDefinitions(), Definitions(); }},
+        {"split", [this](Text text) { return SplitWith(text); }},
+        {"factories", [this](Text) { return std::to_string(manager->valuesFunctionFactories.size()); }},
+        {"register", [this](Text name) { return manager->RegisterValuesFunction(name, nullptr), ""; }},
+        {"registered", [this](Text name) { return Truth(manager->valuesFunctionFactories.at(name) != nullptr); }},
+        {"connect", [this](Text) { return Truth(manager->InitSecurityConnection("text", 7)); }},
+        {"has-manager", [this](Text) { return Truth(manager->securityManager != nullptr); }},
+        {"has-admin", [this](Text) { return Truth(manager->adminInterface != nullptr); }},
+        {"login", [this](Text user) { return manager->GetAccessControlFilter(user, "ip"); }},
+        {"byname", [this](Text user) { return manager->GetAccessControlFilter(user); }},
+        {"given", [this](Text) { return manager->GetAccessControlFilter(security); }},
+        {"given-nobody", [this](Text) { return manager->GetAccessControlFilter(nobody); }},
+        {"user-in-callback", [this](Text) { return manager->callback.userName; }},
+        {"own", [this](Text text) { return OwnValue(text, security); }},
+        {"own-of-nobody", [this](Text text) { return OwnValue(text, nobody); }},
+        {"fill", [this](Text) { return Filled(security); }},
+        {"fill-for-nobody", [this](Text) { return Filled(nobody); }},
+        {"check",
+         [this](Text sought) {
+             return Truth(manager->CheckPermissionInList(ScriptedPermissionList(), PermissionFrom(sought)));
+         }},
+        {"resources", [this](Text value) { return Resources(static_cast<unsigned>(std::stoul(value))); }},
+    };
+};
+
+std::vector<Lines> Scenarios()
+{
+    std::vector<Lines> scenarios;
+    for (const std::string& line : CaseLines("scenarios.txt")) {
+        if (line.starts_with("scenario ")) {
+            scenarios.push_back({line.substr(9)});
+        } else {
+            scenarios.back().push_back(line);
+        }
+    }
+    return scenarios;
+}
+
+// Whichever call to the outside throws, the exception arrives, and the next request is answered as if nothing had been.
+void ExpectFaultsToArrive(Player& player, const std::string& request)
+{
+    const std::string filter = player.answer;
+    const int calls = script.calls;
+    for (int call = 1; call <= calls; ++call) {
+        script.calls = 0;
+        script.callToFail = call;
+        EXPECT_THROW(player.Do(request), std::runtime_error) << request << ", call " << call;
+        script.callToFail = 0;
+        player.Do(request);
+        EXPECT_EQ(player.answer, filter) << request << " after call " << call;
+    }
+}
+
+class ScenarioTest : public testing::TestWithParam<Lines> {};
+
+TEST_P(ScenarioTest, Plays)
+{
+    script = Script();
+    Player player;
+    const Lines& lines = GetParam();
+    for (std::size_t at = 1; at < lines.size();) {
+        const std::string& line = lines[at++];
+        script.journal.clear();
+        script.calls = 0;
+        player.Do(line);
+        Lines expected;
+        for (; at < lines.size() && lines[at].starts_with("> "); ++at) {
+            expected.push_back(lines[at].substr(2));
+        }
+        if (!expected.empty()) {
+            EXPECT_EQ(script.journal, expected) << line;
+        }
+        if (at < lines.size() && lines[at].starts_with("=")) {
+            EXPECT_EQ("= " + player.answer, lines[at].size() > 1 ? lines[at] : "= ") << line;
+            ++at;
+        }
+        if (line.starts_with("login") || line.starts_with("byname") || line.starts_with("given")) {
+            ExpectFaultsToArrive(player, line);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Text, ScenarioTest, testing::ValuesIn(Scenarios()), CaseName);
+
+} // namespace
