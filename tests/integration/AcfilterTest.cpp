@@ -71,11 +71,24 @@ TEST_F(AcfilterTest, EnvironmentStandsInForOptions)
     EXPECT_EQ(outcome.output, "department = ('Legal')\ndepartment = ('Legal')\n");
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(Read(folder / "option.log"), "");
-    EXPECT_THAT(Read(folder / "env.log"), HasSubstr(") Getting Access control filter for user: hugo, ip: 10.1.1.1\n"));
     const std::string unusable =
         "TMR_LOG_LEVEL=loud " + acfilter + " filter -c archive.toml -s sqlite3://db=nowhere -r documents hugo";
     EXPECT_THAT(Run(unusable).errors,
                 testing::StartsWith("TMR_LOG_LEVEL: 'loud' is not a whole number; logging at level 3\n"));
+}
+
+TEST_F(AcfilterTest, LogLinesCannotBeForged)
+{
+    Write("a.log", "before\n");
+    Filter(
+        "-r documents --log-level 7 --log-file a.log --ip 'a\\x0a' \"$(printf 'a\\n\\tb\\177\\033[31m\\303\\251')\"");
+    const Lines lines = Split(Read(folder / "a.log"), "\n");
+    ASSERT_EQ(lines.size(), 4U);
+    EXPECT_EQ(lines[0] + lines[3], "before");
+    EXPECT_THAT(lines[1], testing::MatchesRegex(
+                              "....-..-..T..:..:..\\....Z \\[7\\] SECM_AccessControlManager::GetAccessControlFilter "
+                              "\\(SECM_AccessControl/SECM_AccessControlManager:[0-9]+\\) Getting Access .*"));
+    EXPECT_THAT(lines[1], testing::EndsWith(" for user: a\\x0a\\x09b\\x7f\\x1b[31m\xC3\xA9, ip: a\\\\x0a"));
 }
 
 class MistakeTest : public AcfilterTest, public testing::WithParamInterface<Lines> {};

@@ -2,10 +2,8 @@
 #include "SECM_AccessControl/AccessControlCallback.h"
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
-#include "platform/security_manager/PermissionListInterface.h"
-#include "platform/security_manager/SMADM_Interface.h"
+#include "platform/security_manager/PermissionBase.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
-#include "platform/security_manager/UserDetailsInterface.h"
 #include "tests/Cases.h"
 #include "tests/integration/Workspace.h"
 
@@ -62,25 +60,6 @@ TEST_F(SecurityDatabaseTest, LogsInWhoeverTheCallbackNames)
     callback.userName = std::string("mira\0x", 6);
     EXPECT_THROW(manager->Login(&callback, false), std::runtime_error);
     releaseSecurityManagerInterface(manager);
-}
-
-TEST_F(SecurityDatabaseTest, TellsOfAnyUserByName)
-{
-    SMADM_Interface* administration = getSECM_Interface("Test", 1);
-    ASSERT_TRUE(administration->Initialize(connection.c_str(), 0, "nonsecure"));
-    EXPECT_EQ(administration->GetUserDetails(nullptr, "nobody"), nullptr);
-    UserDetailsInterface* lena = administration->GetUserDetails(nullptr, "lena");
-    std::string group;
-    EXPECT_TRUE(lena->GetGroupName(group) && group == "agents");
-    EXPECT_STREQ(lena->GetAttribute("region"), "baltic");
-    EXPECT_EQ(lena->GetAttribute("Region"), nullptr);
-    const std::unique_ptr<PermissionListInterface> list(administration->GetPermissionList("board", "mira"));
-    ASSERT_EQ(list->GetPermissions()->size(), 9U);
-    EXPECT_STREQ(list->GetPermissions()->front().resource(), "x");
-    EXPECT_STREQ(list->GetPermissions()->back().resource(), "Crewing");
-    const std::unique_ptr<PermissionListInterface> nothing(administration->GetPermissionList("", "nobody"));
-    EXPECT_TRUE(nothing->GetPermissions()->empty());
-    releaseSECM_Interface(administration);
 }
 
 TEST_F(SecurityDatabaseTest, ARequestThatMeetsABrokenDatabaseThrowsAndTheNextIsServed)

@@ -51,11 +51,8 @@ private:
         const std::string name = rest.substr(0, equal);
         const std::string value = rest.substr(std::min(equal + 1, rest.size()));
         if (what == "config") {
-            const bool isShort = name.front() == '@';
-            script.configuration.emplace_back(
-                isShort ? "zarvona\\system\\applications\\securitymanager\\unified_access_control\\" + name.substr(1)
-                        : name,
-                value);
+            const std::string top = "zarvona\\system\\applications\\securitymanager\\unified_access_control\\";
+            script.configuration[name.starts_with('@') ? top + name.substr(1) : name] = Unescaped(value);
         } else if (what == "permit") {
             script.permissions.push_back(PermissionFrom(rest));
         } else if (what == "attribute") {
@@ -99,11 +96,11 @@ private:
         return value;
     }
 
-    std::string Filled(SecurityManagerInterface* securityManager) const
+    // The first condition of the first field, filled for values between ";" ("-": none).
+    std::string Filled(const std::string& values, SecurityManagerInterface* securityManager) const
     {
-        ConditionDefinition condition;
-        condition.conditionText = "text";
-        return manager->HandleSingleCondition(condition, {"1"}, securityManager);
+        const ConditionDefinition& condition = manager->fieldDefinitions.front()->conditions.front();
+        return manager->HandleSingleCondition(condition, values == "-" ? Lines() : Split(values, ";"), securityManager);
     }
 
     std::string Settings() const
@@ -152,8 +149,8 @@ private:
         {"user-in-callback", [this](Text) { return manager->callback.userName; }},
         {"own", [this](Text text) { return OwnValue(text, security); }},
         {"own-of-nobody", [this](Text text) { return OwnValue(text, nobody); }},
-        {"fill", [this](Text) { return Filled(security); }},
-        {"fill-for-nobody", [this](Text) { return Filled(nobody); }},
+        {"fill", [this](Text values) { return Filled(values, security); }},
+        {"fill-for-nobody", [this](Text values) { return Filled(values, nobody); }},
         {"check",
          [this](Text sought) {
              return Truth(manager->CheckPermissionInList(ScriptedPermissionList(), PermissionFrom(sought)));

@@ -141,13 +141,12 @@ struct Node : CFG_RepositoryServices {
 
     static bool Exists(const std::string& node)
     {
-        return std::any_of(script.configuration.begin(), script.configuration.end(),
-                           [&](const auto& entry) { return entry.first.starts_with(node); });
+        const auto next = script.configuration.lower_bound(node);
+        return next != script.configuration.end() && next->first.starts_with(node);
     }
-    static std::string Value(const std::string& valuePath)
+    std::string Value(const char* name) const
     {
-        const auto found = std::find_if(script.configuration.begin(), script.configuration.end(),
-                                        [&](const auto& entry) { return entry.first == valuePath; });
+        const auto found = script.configuration.find(path + name);
         return found != script.configuration.end() ? found->second : "";
     }
     CFG_RepositoryServices* GetSubTree(const RWCString& relative) const override
@@ -159,12 +158,12 @@ struct Node : CFG_RepositoryServices {
     RWCString GetValue(RWCString key, RWCString defaultValue) const override
     {
         Outside(std::string("GetValue ") + key.data() + (defaultValue.length() != 0 ? " wrong default" : ""));
-        return Value(path + key.data());
+        return Value(key);
     }
     RWCString GetValueByPath(const RWCString& relative) const override
     {
         Outside("GetValueByPath " + path + relative.data());
-        return Value(path + relative.data());
+        return Value(relative);
     }
     CFG_NameList* GetChildNames(const RWCString& relative) const override
     {
@@ -175,10 +174,9 @@ struct Node : CFG_RepositoryServices {
         }
         auto* list = new NameList;
         for (const auto& [entry, value] : script.configuration) {
-            const std::string below = entry.starts_with(node) ? entry.substr(node.size()) : "";
-            const std::string name = below.substr(0, below.find('\\'));
-            if (name != below && std::find(list->names.begin(), list->names.end(), name) == list->names.end()) {
-                list->names.push_back(name);
+            const Lines names = Split(entry.starts_with(node) ? entry.substr(node.size()) : "", "\\");
+            if (names.size() > 1 && (list->names.empty() || list->names.back() != names.front())) {
+                list->names.push_back(names.front());
             }
         }
         return list;
@@ -186,7 +184,7 @@ struct Node : CFG_RepositoryServices {
     std::int32_t* GetIntValue(RWCString key) const override
     {
         Outside(std::string("GetIntValue ") + key.data());
-        const std::string value = Value(path + key.data());
+        const std::string value = Value(key);
         return value.empty() ? nullptr : new std::int32_t(std::stoi(value));
     }
 
@@ -255,11 +253,6 @@ SMADM_Interface* getSECM_Interface(const char* name, unsigned version)
 void releaseSECM_Interface(SMADM_Interface* released)
 {
     Outside(released == &administration ? "release administration" : "wrong release");
-}
-
-UserDetailsInterface* ScriptedUserDetails()
-{
-    return &userDetails;
 }
 
 SecurityManagerInterface* ScriptedSecurityManager()

@@ -14,7 +14,7 @@ struct Script {
     int callToFail = 0; ///< The call to the outside, counted from 1, that throws; 0: none.
     int calls = 0;
 
-    std::vector<std::pair<std::string, std::string>> configuration; ///< Values by path; a path ending in "\": a node.
+    std::map<std::string, std::string> configuration; ///< Values by path; a path ending in "\": a node.
     std::string group = "staff";
     std::map<std::string, std::string> attributes;
     std::vector<PermissionBase> permissions;
@@ -24,7 +24,6 @@ struct Script {
 };
 extern Script script;
 
-UserDetailsInterface* ScriptedUserDetails();
 SecurityManagerInterface* ScriptedSecurityManager();
 PermissionListInterface* ScriptedPermissionList();
 
