@@ -37,6 +37,7 @@ bool AccessControl_SiteIdToIssuerFunction::Initialize(std::string /*configuratio
             siteIssuers.insert_or_assign(std::move(site), std::string(issuer.data(), issuer.length()));
         }
     }
+    // Up to its first NUL, unlike an issuer of a site's own.
     defaultIssuer = static_cast<const char*>(
         repository->GetValueByPath(RWCString(configuration_paths::system) + configuration_paths::issuer));
     return true;

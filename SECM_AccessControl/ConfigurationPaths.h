@@ -1,4 +1,5 @@
-// Where in the configuration repository the module reads.
+// Where in the configuration repository the module reads. A path that is continued by a name from elsewhere ends in
+// the separator; one that continues such a name begins with it.
 #pragma once
 
 namespace configuration_paths {

@@ -2,6 +2,7 @@
 #include "SECM_AccessControl/SECM_AccessControlManager.h"
 
 #include "SECM_AccessControl/Log.h"
+#include "platform/security_manager/PermissionBase.h"
 #include "platform/security_manager/PermissionListInterface.h"
 #include "platform/security_manager/SMADM_Interface.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
@@ -114,10 +115,54 @@ std::string SECM_AccessControlManager::GetAccessControlFilter(const std::string&
 }
 
 template <class User>
+bool SECM_AccessControlManager::CollectValues(User& user, const FieldDefinition& field,
+                                              std::vector<std::string>& resources, std::vector<std::string>& values)
+{
+    resources.clear();
+    values.clear();
+    if (!user.GetResources(field, resources)) {
+        SECM_LOG(compositionLog, failureLevel, "Couldn't get resources for user for permission name: '%s'\n",
+                 field.permissionName.c_str());
+        return false;
+    }
+    for (std::string& resource : resources) {
+        user.RewriteValue(resource, field);
+        if (!resource.empty()) {
+            values.push_back(std::move(resource));
+        }
+    }
+    if (values.empty()) {
+        SECM_LOG(compositionLog, traceLevel, "No values were found for the permission: '%s'\n",
+                 field.permissionName.c_str());
+        return false;
+    }
+    return true;
+}
+
+template <class User>
+std::string SECM_AccessControlManager::ComposeClause(User& user, const FieldDefinition& field,
+                                                     const std::vector<std::string>& values)
+{
+    std::string clause;
+    std::string_view conditionDelimiter;
+    int conditionCount = 0;
+    for (const ConditionDefinition& condition : field.conditions) {
+        const std::string text = user.FillCondition(condition, values);
+        if (!text.empty()) {
+            clause.append(conditionDelimiter).append(text);
+            conditionDelimiter = field.conditionsDelimiter;
+            ++conditionCount;
+        }
+    }
+    return conditionCount > 1 ? "(" + clause + ")" : clause;
+}
+
+template <class User>
 std::string SECM_AccessControlManager::ComposeFilter(User& user)
 {
     std::string filter;
     std::string_view fieldDelimiter;
+    // For the whole request, so that their storage serves every field.
     std::vector<std::string> resources;
     std::vector<std::string> values;
 
@@ -125,47 +170,14 @@ std::string SECM_AccessControlManager::ComposeFilter(User& user)
         if (user.Holds(PermissionBase(field->permissionName.c_str(), field->permissionValue, nullptr, true))) {
             continue; // without restriction
         }
-
-        resources.clear();
-        values.clear();
-        if (!user.GetResources(*field, resources)) {
-            SECM_LOG(compositionLog, failureLevel, "Couldn't get resources for user for permission name: '%s'\n",
-                     field->permissionName.c_str());
+        if (!CollectValues(user, *field, resources, values)) {
             return hideAllFilter;
         }
-        for (std::string& resource : resources) {
-            user.RewriteValue(resource, *field);
-            if (!resource.empty()) {
-                values.push_back(std::move(resource));
-            }
+        const std::string clause = ComposeClause(user, *field, values);
+        if (!clause.empty()) {
+            filter.append(fieldDelimiter).append(clause);
+            fieldDelimiter = filterDelimiter;
         }
-        if (values.empty()) {
-            SECM_LOG(compositionLog, traceLevel, "No values were found for the permission: '%s'\n",
-                     field->permissionName.c_str());
-            return hideAllFilter;
-        }
-
-        std::string clause;
-        std::string_view conditionDelimiter;
-        int conditionCount = 0;
-        for (const ConditionDefinition& condition : field->conditions) {
-            const std::string text = user.FillCondition(condition, values);
-            if (!text.empty()) {
-                clause.append(conditionDelimiter).append(text);
-                conditionDelimiter = field->conditionsDelimiter;
-                ++conditionCount;
-            }
-        }
-        if (clause.empty()) {
-            continue; // every condition came out empty
-        }
-        filter += fieldDelimiter;
-        if (conditionCount > 1) {
-            filter.append("(").append(clause).append(")");
-        } else {
-            filter += clause;
-        }
-        fieldDelimiter = filterDelimiter;
     }
 
     SECM_LOG(compositionLog, traceLevel, "GetAccessControlFilter - OUT. Filter: %s\n", filter.c_str());

@@ -11,12 +11,17 @@ struct LogOrigin {
 
 inline constexpr const char* managerSourceFile = "SECM_AccessControl/SECM_AccessControlManager";
 
+/// This module's number in the log, and the number of its log.
+inline constexpr int logModule = 197;
+inline constexpr int logNumber = 1;
+
 enum LogLevel : int { failureLevel = 3, userLevel = 6, traceLevel = 7 };
 
 /// Writes a printf-style message when `level` is wanted; the arguments are evaluated only then.
 #define SECM_LOG(origin, level, ...)                                                                                   \
     do {                                                                                                               \
-        if (TmrGLog.StoreParams((origin).sourceFile, (origin).function, __LINE__, (level), 197, 1) != 0) {             \
+        if (TmrGLog.StoreParams((origin).sourceFile, (origin).function, __LINE__, (level), logModule, logNumber) !=    \
+            0) {                                                                                                       \
             TmrGLog.Log(__VA_ARGS__);                                                                                  \
         }                                                                                                              \
     } while (false)

@@ -33,8 +33,10 @@ public:
     std::string GetValueMultiplicityDelimiter() override;
 
 protected:
-    /// Settings and field definitions; every fault is logged and none stops the construction.
+    /// Settings and field definitions, afresh. What is missing or not whole is logged and left out; a repository that
+    /// cannot be read throws.
     virtual void ReadConfigurations();
+    /// Destroys the definitions and empties the list; settings stay.
     virtual void ClearFieldDefinitions();
     /// Appends every run of characters between commas, blanks included; empty ones are passed over.
     virtual void SplitCommaList(const std::string& text, std::vector<std::string>& entries);
@@ -59,7 +61,8 @@ protected:
     /// The last registration of a name wins. `factory` must not be null.
     virtual void RegisterValuesFunction(const std::string& name, ValuesFunctionFactory factory);
 
-    /// Answer from a permission list what the security manager answers of a user who is logged in.
+    /// Answer from a permission list, never null, what the security manager answers of a user who is logged in;
+    /// resources are appended, and the answer is always true.
     virtual bool CheckPermissionInList(PermissionListInterface* permissionList, const PermissionBase& permission);
     virtual bool GetResourcesFromList(PermissionListInterface* permissionList, const std::string& permissionName,
                                       unsigned permissionValue, std::vector<std::string>& resources);
@@ -86,6 +89,12 @@ private:
 
     template <class User>
     std::string ComposeFilter(User& user);
+    /// False: the field leaves no value, or it cannot be told which; the answer is then the hide-all filter.
+    template <class User>
+    bool CollectValues(User& user, const FieldDefinition& field, std::vector<std::string>& resources,
+                       std::vector<std::string>& values);
+    template <class User>
+    std::string ComposeClause(User& user, const FieldDefinition& field, const std::vector<std::string>& values);
 
     // The pieces of ReadConfigurations.
     void ReadField(const CFG_RepositoryServices& fields, const std::string& fieldName);

@@ -9,6 +9,9 @@ try {
     std::string repository = argc == 4 ? argv[1] : throw std::runtime_error("usage: host REPOSITORY CONNECTION USER");
     const std::unique_ptr<SECM_AccessControlInterface> accessControl(
         SECM_AccessControlInterface::CreateInstance(repository)); // reads what CFG_REPOSITORY names
+    if (accessControl->GetAccessControlFilter("", "").empty()) {  // before connecting, this is the hide-all filter
+        throw std::runtime_error("no repository '" + repository + "' with a hide_all_filter; see CFG_REPOSITORY");
+    }
     const unsigned timeoutSeconds = 5;
     if (!accessControl->InitSecurityConnection(argv[2], timeoutSeconds)) {
         throw std::runtime_error("no connection to the security database; the log says why");

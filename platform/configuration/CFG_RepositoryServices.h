@@ -13,7 +13,7 @@ class PLATFORM_EXPORT CFG_NameList {
 public:
     virtual ~CFG_NameList();
 
-    /// The name at `index` (0 to GetCount() - 1), valid while the list lives.
+    /// The name at `index` (0 to GetCount() - 1; another throws std::out_of_range), valid while the list lives.
     virtual const char* GetName(int index) const = 0;
     virtual int GetCount() const = 0;
 };
@@ -59,6 +59,6 @@ public:
     /// Reads the configuration again, for what is created afterwards. All or nothing: throws CFG_Error and
     /// leaves what was in force when it cannot be read, is invalid, or `CFG_REPOSITORY` is no longer set.
     /// Sub-trees handed out before stay valid and keep what they showed. Creating a manager asks for the
-    /// root several times, so call this between creations; requests may run meanwhile.
+    /// root several times, so call this between creations; requests may run meanwhile. Any thread may call.
     static void Reload();
 };

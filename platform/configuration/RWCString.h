@@ -7,6 +7,7 @@
 
 class RWCString {
 public:
+    /// `text` must not be null.
     RWCString(const char* text) : bytes(text) {}
     RWCString(const char* text, std::size_t length) : bytes(text, length) {}
     RWCString(std::string text) : bytes(std::move(text)) {}

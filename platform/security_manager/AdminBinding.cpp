@@ -55,7 +55,7 @@ private:
         if (dladdr1(reinterpret_cast<const void*>(&Path), &self, &map, RTLD_DL_LINKMAP) != 0 &&
             dlinfo(map, RTLD_DI_ORIGIN, folder.data()) == 0) {
             std::string beside = std::string(folder.c_str()) + "/" + name;
-            if (std::error_code ignored; std::filesystem::exists(beside, ignored)) {
+            if (std::error_code error; std::filesystem::exists(beside, error) || error) {
                 return beside;
             }
         }

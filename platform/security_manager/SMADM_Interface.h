@@ -1,13 +1,10 @@
 // The security manager's administration interface: tells about any user by name, without a log-in.
 #pragma once
 
+#include "platform/Export.h"
+
 class PermissionListInterface;
 class UserDetailsInterface;
-
-/// Defined by the administration library: makes its two entry points visible.
-#ifndef SMADM_API
-#define SMADM_API
-#endif
 
 /// One thread at a time; separate objects do not disturb one another. A fault during a request is thrown
 /// (std::runtime_error) and never looks like an answer.
@@ -33,8 +30,8 @@ extern "C" {
 /// A new interface for the caller named `applicationName`, to be given back by `releaseSECM_Interface` at
 /// some time or never (it is then freed when the library is unloaded). Null when the library does not serve
 /// `interfaceVersion`. Throws std::runtime_error when the administration library cannot be opened.
-SMADM_API SMADM_Interface* getSECM_Interface(const char* applicationName, unsigned interfaceVersion);
+PLATFORM_EXPORT SMADM_Interface* getSECM_Interface(const char* applicationName, unsigned interfaceVersion);
 
 /// Disconnects and frees `administration`. Null is passed over.
-SMADM_API void releaseSECM_Interface(SMADM_Interface* administration);
+PLATFORM_EXPORT void releaseSECM_Interface(SMADM_Interface* administration);
 }

@@ -1,6 +1,8 @@
 // The security manager: logs a user in, and answers what the user who is logged in may do.
 #pragma once
 
+#include "platform/Export.h"
+
 #include <string>
 #include <vector>
 
@@ -8,26 +10,15 @@ class PermissionBase;
 class SECM_CallBackInterface;
 class UserDetailsInterface;
 
-/// Defined by the security manager library and by the module's own target (empty elsewhere): how the two
-/// operations that are compiled into both are seen from outside.
-#ifndef SECURITY_MANAGER_INTERFACE_API
-#define SECURITY_MANAGER_INTERFACE_API
-#endif
-
-/// Defined by the security manager library: makes its two entry points visible.
-#ifndef SECURITY_MANAGER_API
-#define SECURITY_MANAGER_API
-#endif
-
 /// One object serves one user at a time and one thread at a time; separate objects do not disturb one
 /// another. A fault during a request is thrown (std::runtime_error) and never looks like an answer.
-class SecurityManagerInterface {
+class PLATFORM_EXPORT SecurityManagerInterface {
 public:
-    SECURITY_MANAGER_INTERFACE_API SecurityManagerInterface();
+    SecurityManagerInterface();
 
-    /// Connects. `connectionText` and `timeoutSeconds` (0: the security manager's own) say to what and for
-    /// how long to try; `callback` is kept by address for the object's life. False: not usable, the reason is
-    /// logged.
+    /// Connects. `connectionText` and `timeoutSeconds` (0: the security manager's own) say to what and for how long to
+    /// try, `mode` how: "nonsecure". `callback` may be asked during calls of this object only, never after its owner's
+    /// last one. False: not usable; the reason is logged.
     virtual bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode,
                             SECM_CallBackInterface* callback, bool flag) = 0;
 
@@ -52,14 +43,14 @@ public:
     /// The user who is logged in, or null; see UserDetailsInterface for how long it is valid.
     virtual UserDetailsInterface* GetUserDetails() = 0;
 
-    SECURITY_MANAGER_INTERFACE_API virtual ~SecurityManagerInterface();
+    virtual ~SecurityManagerInterface();
 };
 
 /// A new interface for the caller named `applicationName`, to be given back by
 /// `releaseSecurityManagerInterface` at some time or never (it is then freed when the library is unloaded).
 /// Null when the library does not serve `interfaceVersion`.
-SECURITY_MANAGER_API SecurityManagerInterface* getSecurityManagerInterface(const char* applicationName,
-                                                                           unsigned interfaceVersion);
+PLATFORM_EXPORT SecurityManagerInterface* getSecurityManagerInterface(const char* applicationName,
+                                                                      unsigned interfaceVersion);
 
 /// Disconnects and frees `securityManager`. Null is passed over.
-SECURITY_MANAGER_API void releaseSecurityManagerInterface(SecurityManagerInterface* securityManager);
+PLATFORM_EXPORT void releaseSecurityManagerInterface(SecurityManagerInterface* securityManager);

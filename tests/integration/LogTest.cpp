@@ -2,6 +2,8 @@
 #include "tests/Cases.h"
 #include "tests/integration/Workspace.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <thread>
 

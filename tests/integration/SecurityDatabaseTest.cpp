@@ -7,6 +7,7 @@
 #include "tests/Cases.h"
 #include "tests/integration/Workspace.h"
 
+#include <cstdlib>
 #include <memory>
 
 namespace {

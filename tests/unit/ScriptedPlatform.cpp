@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdarg>
+#include <cstdio>
 #include <memory>
 #include <stdexcept>
 

@@ -6,6 +6,7 @@
 #include "tools/acfilter/Progress.h"
 #include "tools/acfilter/TextOption.h"
 
+#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <cerrno>
@@ -57,6 +58,9 @@ void ForEachUser(const FilterOptions& options, const UserHandler& handle)
 {
     if (options.usersFrom == "-") {
         ForEachLine(std::cin, "standard input", handle);
+        if (std::ferror(stdin) != 0) { // which std::cin takes for the end
+            throw std::runtime_error(std::string("standard input: cannot be read: ") + std::strerror(errno));
+        }
     } else if (!options.usersFrom.empty()) {
         std::ifstream file(options.usersFrom, std::ios::binary);
         if (!file) {
@@ -94,7 +98,7 @@ void PrintFilters(const FilterOptions& options)
         SECM_AccessControlInterface::CreateInstance(repository));
     if (!accessControl->InitSecurityConnection(options.host.securityDatabase.c_str(), options.host.timeoutSeconds)) {
         throw std::runtime_error(
-            "the security database given by --security refused the connection; the log says why, at level 3");
+            "the security database given by --security refused the connection; the reason is logged at level 3");
     }
 
     Progress progress;
@@ -116,14 +120,13 @@ void AddFilterCommand(CLI::App& app)
     CLI::App* command = app.add_subcommand("filter", "Print the access-control filter of each user, one a line");
     auto options = std::make_shared<FilterOptions>();
     AddHostOptions(*command, options->host);
-    AddTextOption(*command, "--ip", options->ipAddress, "The address that the users log in from")->type_name("ADDRESS");
+    AddOption(*command, "--ip", options->ipAddress, "The address that the users log in from")->type_name("ADDRESS");
     command->add_flag("--no-login", options->withoutLogin, "Ask by user name, without logging the user in");
-    command->add_option("--format", options->format, "text: the filter's bytes; json: one object a line")
+    AddOption(*command, "--format", options->format, "text: the filter's bytes; json: one object a line")
         ->check(CLI::IsMember({"text", "json"}));
-    CLI::Option* users = AddTextOption(*command, "USER", options->users, "User names; one that begins with - after --");
+    CLI::Option* users = AddOption(*command, "USER", options->users, "User names; one that begins with - after --");
     users->type_name("");
-    AddTextOption(*command, "--users-from", options->usersFrom,
-                  "A file of user names, one a line; - for standard input")
+    AddOption(*command, "--users-from", options->usersFrom, "A file of user names, one a line; - for standard input")
         ->excludes(users)
         ->type_name("FILE");
     command->callback([options] {

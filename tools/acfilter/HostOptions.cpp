@@ -4,28 +4,31 @@
 #include "platform/configuration/CFG_RepositoryServices.h"
 #include "tools/acfilter/TextOption.h"
 
+#include <CLI/CLI.hpp>
+
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
 
 void AddHostOptions(CLI::App& command, HostOptions& options)
 {
-    AddTextOption(command, "-c,--config", options.configuration, "The configuration: a TOML file, or a folder of them")
+    AddOption(command, "-c,--config", options.configuration, "The configuration: a TOML file, or a folder of them")
         ->envname("CFG_REPOSITORY")
         ->type_name("PATH")
         ->required();
-    AddTextOption(command, "-s,--security", options.securityDatabase, "The security database: sqlite3://db=FILE")
+    AddOption(command, "-s,--security", options.securityDatabase,
+              "The security database: sqlite3://db=FILE or postgresql://host=... dbname=...")
         ->envname("SECM_CONNECTION")
         ->type_name("CONNECT")
         ->required();
-    AddTextOption(command, "-r,--repository", options.repository, "The repository of the configuration to ask")
+    AddOption(command, "-r,--repository", options.repository, "The repository of the configuration to ask")
         ->type_name("NAME")
         ->required();
-    command.add_option("--timeout", options.timeoutSeconds, "Limit for connecting and for each statement, in seconds")
+    AddOption(command, "--timeout", options.timeoutSeconds, "Limit for connecting and for each statement, in seconds")
         ->type_name("SECONDS");
-    command.add_option("--log-level", options.logLevel, "Log this level and below: 3 failures ... 7 traces")
+    AddOption(command, "--log-level", options.logLevel, "Log this level and below: 3 failures ... 7 traces")
         ->type_name("N");
-    AddTextOption(command, "--log-file", options.logFile, "Append the log to this file; else to standard error")
+    AddOption(command, "--log-file", options.logFile, "Append the log to this file; else to standard error")
         ->type_name("PATH");
 }
 

@@ -30,7 +30,7 @@ std::vector<std::string> MarkedArguments(const CLI::App& app, int argc, const ch
             arguments.push_back(mark + argument);
         } else if (argument == "--") {
             onlyNamesFollow = true;
-        } else if (argument.ends_with('=') && TakesValue(app, beforeEnd)) {
+        } else if (argument.starts_with('-') && argument.ends_with('=') && TakesValue(app, beforeEnd)) {
             arguments.insert(arguments.end(), {beforeEnd, std::string(1, mark)});
         } else {
             arguments.push_back(argument);

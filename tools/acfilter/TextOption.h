@@ -15,9 +15,9 @@ std::vector<std::string> MarkedArguments(const CLI::App& app, int argc, const ch
 /// Takes the mark off.
 std::string WithoutMark(std::string& text);
 
-/// Adds an option for a text or a list of texts, which must live until the option has been parsed.
-template <class Text>
-CLI::Option* AddTextOption(CLI::App& command, const std::string& name, Text& text, const std::string& help)
+/// Adds an option with a value, which must live until the option has been parsed.
+template <class Value>
+CLI::Option* AddOption(CLI::App& command, const std::string& name, Value& value, const std::string& help)
 {
-    return command.add_option(name, text, help)->transform(CLI::Validator(WithoutMark, ""));
+    return command.add_option(name, value, help)->transform(CLI::Validator(WithoutMark, ""));
 }

@@ -2,6 +2,8 @@
 #include "tools/acfilter/FilterCommand.h"
 #include "tools/acfilter/TextOption.h"
 
+#include <CLI/CLI.hpp>
+
 #include <array>
 #include <cstdio>
 #include <exception>

@@ -156,8 +156,10 @@ public:
     {
         const std::string path = ConfiguredPath();
         if (path.empty()) {
-            throw CFG_Error("CFG_REPOSITORY:1:1: is not set; name the configuration's file or folder in it");
+            throw CFG_Error("CFG_REPOSITORY is not set; name the configuration's file or folder in it");
         }
+        // One at a time, so that the one which began last is the one that stays.
+        const std::lock_guard<std::mutex> reloading(reloadMutex);
         NodePointer loaded = LoadTree(path);
         const std::lock_guard<std::mutex> lock(mutex);
         tree.swap(loaded);
@@ -170,6 +172,7 @@ private:
         return tree;
     }
 
+    std::mutex reloadMutex;
     mutable std::mutex mutex;
     NodePointer tree;
 };

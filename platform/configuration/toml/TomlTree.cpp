@@ -8,12 +8,13 @@
 #include <toml++/toml.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <utility>
 
 namespace configuration {
 namespace {
@@ -42,12 +43,17 @@ std::string ReadFile(const std::string& path)
     if (!file) {
         RefuseFile(path, std::string("cannot be opened: ") + std::strerror(errno));
     }
-    std::ostringstream content;
-    content << file.rdbuf();
-    if (file.bad() || (content.fail() && file.peek() != std::ifstream::traits_type::eof())) {
+    std::string content;
+    std::array<char, 65536> piece{};
+    do {
+        file.read(piece.data(), piece.size());
+        content.append(piece.data(), static_cast<std::size_t>(file.gcount()));
+    } while (file);
+    // The end of what could be read is not the end of the file: cut short, it would restrict less.
+    if (file.bad()) {
         RefuseFile(path, std::string("cannot be read: ") + std::strerror(errno));
     }
-    return std::move(content).str();
+    return content;
 }
 
 const char* KindOf(const toml::node& node)

@@ -4,22 +4,24 @@
 #include "platform/security_manager/sql/SecurityDatabase.h"
 
 #include "platform/logging/Tmr_LogFile.h"
+#include "platform/security_manager/sql/ConnectionText.h"
 
 #include <soci/soci.h>
 
 #include <algorithm>
 #include <cstring>
-#include <regex>
 #include <stdexcept>
-#include <string_view>
+
+// Declared here, for the headers that declare them ask for the development files of each database's client.
+extern "C" {
+const soci::backend_factory* factory_sqlite3();
+const soci::backend_factory* factory_postgresql();
+}
 
 namespace {
 
 constexpr int failureLevel = 3;
 constexpr int moduleNumber = 198;
-
-// Larger ones would overflow the milliseconds in which the databases count.
-constexpr unsigned longestTimeoutSeconds = 2'000'000;
 
 enum Section : long long { userSection = 0, attributeSection = 1, permissionSection = 2 };
 
@@ -53,6 +55,7 @@ struct Row {
     long long section = 0;
     long long position = 0;
     std::string name;
+    soci::indicator nameIndicator = soci::i_null;
     std::string text; // what the row before it left there, when this one is null
     soci::indicator textIndicator = soci::i_null;
     long long value = 0;
@@ -64,13 +67,16 @@ std::string PlaceOf(const Row& row)
     return "the row of security_permission at position " + std::to_string(row.position);
 }
 
-// The interfaces hand texts out up to their first NUL; cut short they would be other names and other
-// resources.
-void RefuseNul(const std::string& text, const std::string& place)
+// The interfaces hand texts out up to their first NUL; cut short they would be other names and other resources.
+const std::string& Checked(const std::string& text, soci::indicator indicator, const std::string& place)
 {
+    if (indicator == soci::i_null) {
+        throw std::runtime_error(place + " holds NULL where a text must stand");
+    }
     if (text.find('\0') != std::string::npos) {
         throw std::runtime_error(place + " holds a text with a NUL byte; remove it");
     }
+    return text;
 }
 
 PermissionBase PermissionOf(const Row& row)
@@ -78,33 +84,18 @@ PermissionBase PermissionOf(const Row& row)
     if (row.value < 0) {
         throw std::runtime_error(PlaceOf(row) + " has a permission_value that is no whole number from 0 to 4294967295");
     }
-    RefuseNul(row.name, PlaceOf(row));
-    RefuseNul(row.text, PlaceOf(row));
-    return {row.name.c_str(), static_cast<unsigned>(row.value),
-            row.textIndicator == soci::i_null ? nullptr : row.text.c_str(), row.isConditional != 0};
+    const char* resource =
+        row.textIndicator == soci::i_null ? nullptr : Checked(row.text, row.textIndicator, PlaceOf(row)).c_str();
+    return {Checked(row.name, row.nameIndicator, PlaceOf(row)).c_str(), static_cast<unsigned>(row.value), resource,
+            row.isConditional != 0};
 }
 
-// The last of two settings of one name wins in both databases, so what is appended holds.
-soci::connection_parameters ParametersOf(const std::string& text, unsigned timeoutSeconds)
+// The backends are linked, not looked for by SOCI when a text names them: a library that SOCI opens by itself could not
+// be unloaded with ours.
+soci::connection_parameters ParametersOf(const std::string& connectionText, unsigned timeout)
 {
-    const std::string_view view = text;
-    std::string limited = text;
-    if (view.starts_with("sqlite3://")) {
-        if (view.find("db=") == std::string_view::npos && view.find("dbname=") == std::string_view::npos) {
-            throw std::runtime_error("the connection text names no file; write sqlite3://db=FILE");
-        }
-        limited += " readonly=true";
-        if (timeoutSeconds != 0) {
-            limited += " timeout=" + std::to_string(timeoutSeconds);
-        }
-    } else if (view.starts_with("postgresql://")) {
-        if (timeoutSeconds != 0) {
-            limited += " connect_timeout=" + std::to_string(timeoutSeconds);
-        }
-    } else {
-        throw std::runtime_error("the connection text must begin with sqlite3:// or postgresql://");
-    }
-    return soci::connection_parameters(limited);
+    const DatabaseAddress address = DatabaseAddressOf(connectionText, timeout);
+    return {address.isPostgreSql ? *factory_postgresql() : *factory_sqlite3(), address.settings};
 }
 
 // Databases explain themselves in several lines.
@@ -114,12 +105,6 @@ std::string OneLine(std::string text)
     std::replace_if(
         text.begin(), text.end(), [](char character) { return character == '\n' || character == '\t'; }, ' ');
     return text;
-}
-
-std::string WithoutPassword(const std::string& connectionText)
-{
-    static const std::regex password(R"((password\s*=\s*)('(\\.|[^'\\])*'|\S+))");
-    return std::regex_replace(connectionText, password, "$1***");
 }
 
 } // namespace
@@ -179,15 +164,14 @@ private:
                 if (found) {
                     throw std::runtime_error("the user '" + name + "' has more than one row in security_user");
                 }
-                RefuseNul(row.name, "the row of security_user for '" + name + "'");
-                found.emplace().groupName = row.name;
+                found.emplace().groupName = Checked(row.name, row.nameIndicator, "security_user of '" + name + "'");
             } else if (!found) {
                 continue; // attributes and permissions of a name that is no user's
             } else if (row.section == attributeSection) {
-                if (row.textIndicator != soci::i_null) {
-                    RefuseNul(row.name, "security_attribute of '" + name + "'");
-                    RefuseNul(row.text, "security_attribute '" + row.name + "' of '" + name + "'");
-                    found->attributes.emplace(row.name, row.text);
+                const std::string place = "security_attribute of '" + name + "'";
+                const std::string& attribute = Checked(row.name, row.nameIndicator, place);
+                if (!found->attributes.emplace(attribute, Checked(row.text, row.textIndicator, place)).second) {
+                    throw std::runtime_error(place + " holds two values of '" + attribute + "'");
                 }
             } else {
                 found->permissions.push_back(PermissionOf(row));
@@ -200,7 +184,7 @@ private:
     {
         statement.exchange(soci::into(row.section));
         statement.exchange(soci::into(row.position));
-        statement.exchange(soci::into(row.name));
+        statement.exchange(soci::into(row.name, row.nameIndicator));
         statement.exchange(soci::into(row.text, row.textIndicator));
         statement.exchange(soci::into(row.value));
         statement.exchange(soci::into(row.isConditional));
@@ -222,7 +206,7 @@ private:
 };
 
 SecurityDatabase::SecurityDatabase(std::string connectionText, unsigned timeout)
-    : text(std::move(connectionText)), timeoutSeconds(std::min(timeout, longestTimeoutSeconds))
+    : text(std::move(connectionText)), timeoutSeconds(timeout)
 {
 }
 
@@ -283,7 +267,8 @@ std::unique_ptr<SecurityDatabase> SecurityDatabase::Open(const char* function, c
     }
     if (TmrGLog.StoreParams("platform/security_manager/sql/SecurityDatabase", function, __LINE__, failureLevel,
                             moduleNumber, 1) != 0) {
-        TmrGLog.Log("The security database '%s' cannot be used: %s\n", WithoutPassword(text).c_str(), reason.c_str());
+        TmrGLog.Log("The security database '%s' cannot be used: %s\n", WithoutSecrets(text, text).c_str(),
+                    WithoutSecrets(text, reason).c_str());
     }
     return nullptr;
 }

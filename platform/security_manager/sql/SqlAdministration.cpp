@@ -1,7 +1,5 @@
 // The administration interface on the security database: the same users, groups and permissions as at log-in,
 // asked for by name.
-#define SMADM_API PLATFORM_EXPORT
-#include "platform/Export.h"
 #include "platform/security_manager/SMADM_Interface.h"
 
 #include "platform/security_manager/PermissionListInterface.h"

@@ -1,7 +1,5 @@
 // The security manager on the security database. Everything a request needs is read at log-in; the questions
 // that follow are answered from memory.
-#define SECURITY_MANAGER_API PLATFORM_EXPORT
-#include "platform/Export.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
 
 #include "platform/security_manager/SECM_CallBackInterface.h"

@@ -1,0 +1,58 @@
+#include "platform/security_manager/sql/ConnectionText.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string_view>
+
+namespace {
+
+constexpr std::string_view sqlite = "sqlite3://";
+constexpr std::string_view postgresql = "postgresql://";
+
+// More would overflow the milliseconds in which the databases count.
+constexpr unsigned longestTimeoutSeconds = 2'000'000;
+
+// What could hold a password: all behind "password=", or everything where no KEY=VALUE begins the text.
+std::string SecretOf(const std::string& connectionText)
+{
+    const std::size_t scheme = connectionText.find("://");
+    const std::size_t start = scheme == std::string::npos ? 0 : scheme + 3;
+    const std::size_t equal = connectionText.find('=', start);
+    if (equal == std::string::npos || connectionText.find('@', start) < equal) {
+        return connectionText.find('@', start) == std::string::npos ? "" : connectionText.substr(start);
+    }
+    const std::size_t password = connectionText.find("password", start);
+    const std::size_t value = connectionText.find('=', password);
+    return password == std::string::npos || value == std::string::npos ? "" : connectionText.substr(value + 1);
+}
+
+} // namespace
+
+DatabaseAddress DatabaseAddressOf(const std::string& connectionText, unsigned timeoutSeconds)
+{
+    const std::string timeout = std::to_string(std::min(timeoutSeconds, longestTimeoutSeconds));
+    const std::string_view view = connectionText;
+    // Our settings stand first: behind a quote that is never closed they would be part of a file's name.
+    if (view.starts_with(sqlite)) {
+        const std::string settings = connectionText.substr(sqlite.size());
+        if (settings.find("db=") == std::string::npos && settings.find("dbname=") == std::string::npos) {
+            throw std::runtime_error("the connection text names no file; write sqlite3://db=FILE");
+        }
+        return {false, "readonly=true " + (timeoutSeconds != 0 ? "timeout=" + timeout + " " : "") + settings};
+    }
+    if (view.starts_with(postgresql)) {
+        const std::string settings = connectionText.substr(postgresql.size());
+        if (settings.find('=') > settings.find('@') || settings.find('=') == std::string::npos) {
+            throw std::runtime_error("write postgresql://host=... dbname=... user=..., not user@host/database");
+        }
+        return {true, (timeoutSeconds != 0 ? "connect_timeout=" + timeout + " " : "") + settings};
+    }
+    throw std::runtime_error("the connection text must begin with sqlite3:// or postgresql://");
+}
+
+std::string WithoutSecrets(const std::string& connectionText, std::string text)
+{
+    const std::string secret = SecretOf(connectionText);
+    const std::size_t found = secret.empty() ? std::string::npos : text.find(secret);
+    return found == std::string::npos ? text : text.replace(found, secret.size(), "***");
+}
