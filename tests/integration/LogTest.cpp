@@ -37,7 +37,6 @@ TEST_F(LogTest, WritesMessagesOfAnyLengthWholeFromManyThreads)
     for (const std::size_t length : {0U, 511U, 512U, 20000U}) {
         EXPECT_EQ(counts["[3] Function (source:12) " + std::string(length, 'l') + "\\x0a"], 50) << length;
     }
-    unsetenv("TMR_LOG_FILE");
 }
 
 } // namespace

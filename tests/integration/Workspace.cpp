@@ -9,6 +9,10 @@
 
 WorkspaceTest::WorkspaceTest()
 {
+    // What an administrator has set is none of the tests' business.
+    for (const char* variable : {"CFG_REPOSITORY", "SECM_CONNECTION", "TMR_LOG_LEVEL", "TMR_LOG_FILE"}) {
+        unsetenv(variable);
+    }
     std::string name = (std::filesystem::temp_directory_path() / "access-control-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) {
         throw std::runtime_error("no scratch folder");

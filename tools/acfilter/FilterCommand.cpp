@@ -9,6 +9,9 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -74,6 +77,17 @@ void ForEachUser(const FilterOptions& options, const UserHandler& handle)
     }
 }
 
+std::string FilterOf(SECM_AccessControlInterface& accessControl, const FilterOptions& options,
+                     const std::string& userName)
+{
+    try {
+        return options.withoutLogin ? accessControl.GetAccessControlFilter(userName)
+                                    : accessControl.GetAccessControlFilter(userName, options.ipAddress);
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error("user '" + userName + "': " + error.what());
+    }
+}
+
 std::string LineFor(const FilterOptions& options, const std::string& userName, std::string filter)
 {
     if (options.format == "json") {
@@ -103,9 +117,7 @@ void PrintFilters(const FilterOptions& options)
 
     Progress progress;
     ForEachUser(options, [&](const std::string& userName) {
-        std::string filter = options.withoutLogin ? accessControl->GetAccessControlFilter(userName)
-                                                  : accessControl->GetAccessControlFilter(userName, options.ipAddress);
-        Print(LineFor(options, userName, std::move(filter)));
+        Print(LineFor(options, userName, FilterOf(*accessControl, options, userName)));
         progress.CountOne();
     });
     if (std::fflush(stdout) != 0) {
@@ -132,6 +144,10 @@ void AddFilterCommand(CLI::App& app)
     command->callback([options] {
         if (options->users.empty() && options->usersFrom.empty()) {
             throw CLI::RequiredError("USER or --users-from");
+        }
+        // Closed, its number would go to the next file that is opened, and that would be read for users.
+        if (options->usersFrom == "-" && fcntl(STDIN_FILENO, F_GETFD) == -1) {
+            throw std::runtime_error(std::string("standard input: cannot be read: ") + std::strerror(errno));
         }
         PrintFilters(*options);
     });

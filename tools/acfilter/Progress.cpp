@@ -1,5 +1,6 @@
 #include "tools/acfilter/Progress.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -8,10 +9,16 @@ namespace {
 
 constexpr std::chrono::milliseconds updateInterval(100);
 
+bool OutputIsFile()
+{
+    struct stat output {};
+    return fstat(STDOUT_FILENO, &output) == 0 && S_ISREG(output.st_mode);
+}
+
 } // namespace
 
 Progress::Progress()
-    : isWanted(isatty(STDERR_FILENO) != 0 && isatty(STDOUT_FILENO) == 0),
+    : isWanted(isatty(STDERR_FILENO) != 0 && OutputIsFile()),
       nextUpdate(std::chrono::steady_clock::now() + updateInterval)
 {
 }

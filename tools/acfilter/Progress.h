@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-/// Silent unless standard error is a terminal and standard output is none. The line is gone when the object
+/// Silent unless standard error is a terminal and standard output a file. The line is gone when the object
 /// is.
 class Progress {
 public:

@@ -38,6 +38,12 @@ int main(int argc, char** argv)
     });
     AddFilterCommand(app);
 
+    const auto isNamed = [&](const CLI::App* command) { return command->check_name(argv[1]); };
+    if (argc > 1 && argv[1][0] != '-' && app.get_subcommands(isNamed).empty()) {
+        const std::string message = std::string("there is no command '") + argv[1] + "'; see acfilter --help";
+        std::fputs(Message(message.c_str()).c_str(), stderr);
+        return wrongCommandLine;
+    }
     try {
         app.parse(MarkedArguments(app, argc, argv));
     } catch (const CLI::Success& request) {

@@ -78,7 +78,7 @@ std::string ValueOf(const toml::node& node, const std::string& name, const std::
     const auto* integer = node.as_integer();
     if (integer == nullptr) {
         throw CFG_Error(place + ": '" + name + "' must be a text or a whole number, found " + KindOf(node) +
-                        "; write it between quotes");
+                        (node.is_array() ? "" : "; write it between quotes"));
     }
     if (integer->get() < smallestInteger || integer->get() > largestInteger) {
         throw CFG_Error(place + ": '" + name + "' must be from " + std::to_string(smallestInteger) + " to " +

@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -115,6 +116,9 @@ void Tmr_LogFile::Open()
     opening->logger.set_formatter(
         std::make_unique<spdlog::pattern_formatter>("%Y-%m-%dT%H:%M:%S.%eZ %v", spdlog::pattern_time_type::utc));
     opening->logger.flush_on(spdlog::level::trace);
+    opening->logger.set_error_handler([](const std::string& reason) {
+        std::fprintf(stderr, "TMR_LOG_FILE: a message of the log is lost: %s\n", reason.c_str());
+    });
     writer = std::move(opening);
     threshold.store(LevelFromEnvironment(), std::memory_order_relaxed);
 }
