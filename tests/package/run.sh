@@ -1,0 +1,75 @@
+#!/usr/bin/env bash
+# Installs a build, moves it, and builds and runs hosts against it from outside the tree; the same for the Debian
+# packages; then puts a security manager of a host's own in the place of the supplied one, both ways.
+# Usage: tests/package/run.sh BUILD_FOLDER
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+
+build=$(realpath "$1")
+examples=$PWD/examples
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+exec 3>&1 >"$build/package.log" 2>&1 # what the tools say; results go to 3
+trap 'tail -n 20 "$build/package.log" >&3' ERR
+
+expect() { # NAME WANTED COMMAND...
+    local name=$1 wanted=$2 got
+    shift 2
+    got=$("$@" 2>&1) || true
+    if [ "$got" == "$wanted" ]; then
+        echo "passed: $name" >&3
+    else
+        printf 'FAILED: %s\n  wanted: %s\n  got: %s\n' "$name" "$wanted" "$got" >&3
+    fi
+}
+cmake_build() { # SOURCE PREFIX NAME [OPTION...]
+    cmake -G Ninja -S "$1" -B "$scratch/$3" -DCMAKE_PREFIX_PATH="$2" -DCMAKE_BUILD_TYPE=Release "${@:4}"
+    cmake --build "$scratch/$3"
+}
+
+export CFG_REPOSITORY=$examples/documents/archive.toml
+sqlite3 -bail "$scratch/security.db" <"$examples/documents/security.sql"
+connection=sqlite3://db=$scratch/security.db
+answer="SELECT * FROM documents WHERE department = ('Legal');"
+quiet=(env TMR_LOG_LEVEL=0)
+
+hosts_against() { # NAME PREFIX
+    local name=$1 prefix=$2
+    cmake_build "$examples/consumers/linking" "$prefix" "$name-linking"
+    expect "$name: a host that links" "$answer" "${quiet[@]}" "$scratch/$name-linking/host" documents "$connection" hugo
+    cmake_build "$examples/consumers/loading" "$prefix" "$name-loading"
+    expect "$name: a host that loads by name" \
+        "administration library before connecting: 0, connected: 1, after: 1, filter: department = ('Legal')
+module or security manager left behind: 0" \
+        env LD_LIBRARY_PATH="$prefix/lib" "$scratch/$name-loading/loader" libSECM_AccessControl.so.0 1 documents "$connection" hugo
+    mkdir "$scratch/$name-make"
+    PKG_CONFIG_PATH=$prefix/lib/pkgconfig make -C "$scratch/$name-make" -f "$examples/consumers/make/Makefile" \
+        VPATH="$examples/consumers/make" LDFLAGS="-Wl,-rpath,$prefix/lib"
+    expect "$name: a host made with pkg-config" "$answer" "${quiet[@]}" "$scratch/$name-make/host" documents "$connection" hugo
+    expect "$name: acfilter" "department = ('Legal')" "$prefix/bin/acfilter" filter -s "$connection" -r documents hugo
+}
+
+cmake --install "$build" --prefix "$scratch/first"
+mv "$scratch/first" "$scratch/moved"
+expect "no path of the build in any installed file" "" grep -rlE "$build|$PWD|$scratch/first" "$scratch/moved"
+hosts_against "installed and moved" "$scratch/moved"
+
+(cd "$build" && cpack -G DEB -B "$scratch/deb")
+for package in "$scratch"/deb/*.deb; do
+    dpkg-deb -x "$package" "$scratch/root"
+done
+depends=$(dpkg-deb -f "$scratch"/deb/libsecm-accesscontrol0_*.deb Depends)
+expect "the package depends on what it links" "yes" bash -c "[[ '$depends' == *libsoci-core* && '$depends' == *libspdlog* ]] && echo yes"
+hosts_against "Debian packages" "$scratch/root/usr"
+
+own="department = ('Legal') AND author = ('e1')"
+cmake_build "$examples/own_security_manager" "$scratch/moved" own
+rm "$scratch"/moved/lib/libsecm.so* "$scratch"/moved/lib/libsecm_admin.so*
+for road in --ip=10.0.0.7 --no-login; do
+    expect "a security manager of the host's own, put in place by the loader ($road)" "$own" \
+        env LD_LIBRARY_PATH="$scratch/own" "$scratch/moved/bin/acfilter" filter -s memory -r documents "$road" ada
+done
+cmake --preset release -B "$scratch/option" -DSECM_SECURITY_MANAGER="$examples/own_security_manager" -DBUILD_TESTING=OFF
+cmake --build "$scratch/option" --target acfilter
+expect "a security manager of the host's own, put in place by the option" "$own" \
+    "$scratch/option/bin/acfilter" filter -s memory -r documents ada
