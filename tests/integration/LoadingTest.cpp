@@ -1,14 +1,5 @@
 // The module as a library: what it offers, what it does when it is loaded, and what it leaves behind.
-#include "SECM_AccessControl/SECM_AccessControlInterface.h"
-#include "platform/configuration/CFG_RepositoryServices.h"
-#include "platform/security_manager/PermissionBase.h"
-#include "platform/security_manager/SecurityManagerInterface.h"
-#include "platform/security_manager/UserDetailsInterface.h"
-#include "tests/Cases.h"
 #include "tests/integration/Workspace.h"
-
-#include <cstdlib>
-#include <memory>
 
 using testing::HasSubstr;
 
@@ -79,38 +70,6 @@ TEST_F(LoadingTest, SaysWhyTheAdministrationLibraryCannotBeOpened)
                 testing::AllOf(HasSubstr("has no entry point"), HasSubstr("getSECM_Interface")));
     Run("echo damaged > own/libsecm_admin.so." MAJOR_VERSION);
     EXPECT_THAT(Load("own", "1").output, HasSubstr("exception: the administration library cannot be opened: "));
-}
-
-// A host's own security manager, in which one user is always logged in.
-class OwnSecurityManager : public SecurityManagerInterface, public UserDetailsInterface {
-public:
-    bool Initialize(const char*, unsigned, const char*, SECM_CallBackInterface*, bool) override { return true; }
-    bool Login(SECM_CallBackInterface*, bool) override { return true; }
-    bool IsLoggedIn(const char*) override { return true; }
-    bool Logout() override { return true; }
-    bool CheckPermission(const PermissionBase& sought) override
-    {
-        return std::string(sought.name()) != "archive.author";
-    }
-    bool GetResources(const std::string&, unsigned, Lines& resources) override
-    {
-        return resources.emplace_back("%my%"), true;
-    }
-    UserDetailsInterface* GetUserDetails() override { return this; }
-    bool GetGroupName(std::string&) override { return false; }
-    const char* GetAttribute(const char*) override { return "e1"; }
-};
-
-TEST_F(LoadingTest, ServesASecurityManagerOfTheHosts)
-{
-    setenv("CFG_REPOSITORY", Path("archive.toml").c_str(), 1);
-    CFG_Factory::Reload();
-    std::string repository = "documents";
-    const std::unique_ptr<SECM_AccessControlInterface> accessControl(
-        SECM_AccessControlInterface::CreateInstance(repository));
-    const std::unique_ptr<SecurityManagerInterface> own = std::make_unique<OwnSecurityManager>();
-    EXPECT_EQ(accessControl->GetAccessControlFilter(own.get()), "author = ('e1')");
-    EXPECT_NE(dynamic_cast<UserDetailsInterface*>(own.get()), nullptr); // by its run-time type information
 }
 
 } // namespace

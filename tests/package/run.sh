@@ -37,6 +37,8 @@ hosts_against() { # NAME PREFIX
     local name=$1 prefix=$2
     cmake_build "$examples/consumers/linking" "$prefix" "$name-linking"
     expect "$name: a host that links" "$answer" "${quiet[@]}" "$scratch/$name-linking/host" documents "$connection" hugo
+    expect "$name: a host that implements the security manager's interface" "department IN ('Legal', 'Fleet')" \
+        "$scratch/$name-linking/own_login" documents Legal Fleet
     cmake_build "$examples/consumers/loading" "$prefix" "$name-loading"
     expect "$name: a host that loads by name" \
         "administration library before connecting: 0, connected: 1, after: 1, filter: department = ('Legal')

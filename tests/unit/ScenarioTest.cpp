@@ -238,22 +238,15 @@ class ConditionTest : public testing::TestWithParam<Lines> {};
 TEST_P(ConditionTest, IsFilled)
 {
     script = Script();
-    script.attributes = {
-        {"uid", "u1"}, {"empty", ""}, {"", "nameless"}, {"op", "%equal_operator%"}, {"other", "$uid$"}};
-    const Lines& row = GetParam();
-    const std::string settings = "config @repositories\\docs\\", field = "config @fields\\f\\docs\\";
-    const std::string codes = "config zarvona\\system\\applications\\codes\\kinds\\", display = "\\display_name=";
     Player player;
-    for (const std::string& line :
-         {settings + "single_equal_operator==", settings + "multiple_equal_operator=in",
-          settings + "value_multiplicity_delimiter=,", settings + "value_multiplicity_prefix=(",
-          settings + "value_multiplicity_suffix=)", field + "permission_name=p", field + "permission_value=1",
-          field + "condition1=" + row.at(1), field + "replace_fields1=" + row.at(2),
-          field + "mandatory_fields1=" + row.at(3),
-          field + "values_function1=" + (row.at(4) == "yes" ? "CodeToDisplayName" : ""),
-          field + "values_function_config_string1=kinds", codes + "one" + display + "1", codes + "two" + display + "2",
-          codes + "own" + display + "%my%", codes + "%my%" + display + "mine", std::string("create docs"),
-          "fill " + row.at(5)}) {
+    for (const std::string& line : CaseLines("conditions_setting.txt")) {
+        player.Do(line);
+    }
+    const Lines& row = GetParam();
+    const std::string field = "config @fields\\f\\docs\\";
+    for (const std::string& line : {field + "condition1=" + row.at(1), field + "replace_fields1=" + row.at(2),
+                                    field + "mandatory_fields1=" + row.at(3), field + "values_function1=" + row.at(4),
+                                    std::string("create docs"), "fill " + row.at(5)}) {
         player.Do(line);
     }
     EXPECT_EQ(player.answer, row.at(6));
