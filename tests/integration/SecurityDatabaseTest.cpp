@@ -2,9 +2,11 @@
 #include "SECM_AccessControl/AccessControlCallback.h"
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
-#include "platform/security_manager/PermissionBase.h"
+#include "platform/security_manager/PermissionListInterface.h"
+#include "platform/security_manager/SMADM_Interface.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
-#include "tests/Cases.h"
+#include "platform/security_manager/UserDetailsInterface.h"
+#include "tests/Permissions.h"
 #include "tests/integration/Workspace.h"
 
 #include <cstdlib>
@@ -16,12 +18,7 @@ class SecurityDatabaseTest : public WorkspaceTest {
 protected:
     SecurityDatabaseTest()
     {
-        MakeDatabase("security.db",
-                     SampleText("security.sql") +
-                         "INSERT INTO security_user VALUES ('', ''), ('o''br\xC3\xA9', '');"
-                         "INSERT INTO security_permission VALUES (1, 'group', '', 'archive.kind', 1, 'no group', 0),"
-                         " (2, 'user', 'o''br\xC3\xA9', 'archive.kind', 4294967295, '', 1), (3, 'group', 'board', "
-                         "'archive.kind', 1, 'x', 0);");
+        MakeDatabase("security.db", SampleText("security.sql") + Read(CASES_FOLDER "/logins.sql"));
         connection = "sqlite3://db=" + Path("security.db");
     }
 
@@ -33,34 +30,56 @@ TEST_F(SecurityDatabaseTest, LogsInWhoeverTheCallbackNames)
     EXPECT_EQ(getSecurityManagerInterface("Test", 1), nullptr);
     SecurityManagerInterface* manager = getSecurityManagerInterface("Test", 0x11010A17);
     AccessControlCallback callback;
+    SECM_CallBackInterface silent;
     EXPECT_THROW(manager->Login(&callback, false), std::runtime_error);
     EXPECT_FALSE(manager->Initialize(connection.c_str(), 5, "secure", &callback, false));
+    EXPECT_FALSE(manager->Initialize(nullptr, 5, nullptr, &callback, false));
     ASSERT_TRUE(manager->Initialize(connection.c_str(), 5, "nonsecure", &callback, false));
+    EXPECT_THROW(manager->Login(nullptr, false), std::runtime_error);
+    EXPECT_THROW(manager->Login(&silent, false), std::runtime_error);
     for (const Lines& row : CaseRows("logins.txt")) {
         callback.userName = row.at(0);
-        callback.group = callback.secondGroup = row.at(1);
+        callback.group = row.at(1);
+        callback.secondGroup = row.at(2);
         std::string granted = manager->Login(&callback, false) ? "yes" : "no";
-        std::vector<std::string> resources;
-        EXPECT_EQ(manager->GetResources(row.at(2), 1, resources), granted == "yes");
+        Lines resources = {"kept"};
+        EXPECT_EQ(manager->GetResources(row.at(3), static_cast<unsigned>(std::stoul(row.at(4))), resources),
+                  granted == "yes");
         EXPECT_EQ(manager->IsLoggedIn("brantor"), granted == "yes");
-        EXPECT_FALSE(manager->IsLoggedIn("other"));
+        EXPECT_FALSE(manager->IsLoggedIn("other") || manager->IsLoggedIn(nullptr));
         EXPECT_EQ(manager->GetUserDetails() != nullptr, granted == "yes");
-        for (const std::string& resource : resources) {
-            granted += " [" + resource + "]";
+        for (std::size_t n = 1; n < resources.size(); ++n) {
+            granted += " [" + resources[n] + "]";
         }
-        EXPECT_EQ(granted, row.at(3)) << row.at(0) << " in " << row.at(1);
+        EXPECT_EQ(granted, row.at(5)) << row.at(0) << " in " << row.at(1) << " and " << row.at(2);
     }
-    callback.userName = "mira";
+    callback = AccessControlCallback();
+    callback.userName = "checker";
     manager->Login(&callback, false);
-    EXPECT_TRUE(manager->CheckPermission({"archive.kind", 1, nullptr, true}));
-    EXPECT_FALSE(manager->CheckPermission({"archive.kind", 2, nullptr, true}));
-    EXPECT_TRUE(manager->CheckPermission({"archive.department", 2, "Finance", false}));
-    EXPECT_FALSE(manager->CheckPermission({"archive.department", 2, "Crewing", false}));
+    for (const Lines& row : CaseRows("checks.txt")) {
+        EXPECT_EQ(manager->CheckPermission(PermissionFrom(row.at(0))) ? "yes" : "no", row.at(1)) << row.at(0);
+    }
     EXPECT_TRUE(manager->Logout());
-    EXPECT_FALSE(manager->IsLoggedIn("brantor"));
+    EXPECT_FALSE(manager->Logout() || manager->IsLoggedIn("brantor") ||
+                 manager->CheckPermission(PermissionFrom("p:1:null")));
     callback.userName = std::string("mira\0x", 6);
     EXPECT_THROW(manager->Login(&callback, false), std::runtime_error);
     releaseSecurityManagerInterface(manager);
+}
+
+TEST_F(SecurityDatabaseTest, TellsOfAnyUserByName)
+{
+    EXPECT_EQ(getSECM_Interface("Test", 2), nullptr);
+    SMADM_Interface* administration = getSECM_Interface("Test", 1);
+    EXPECT_THROW(administration->GetUserDetails(nullptr, "lena"), std::runtime_error);
+    ASSERT_TRUE(administration->Initialize(connection.c_str(), 0, "nonsecure"));
+    EXPECT_STREQ(administration->GetUserDetails(nullptr, "lena")->GetAttribute("region"), "baltic");
+    EXPECT_EQ(administration->GetUserDetails(nullptr, "lena")->GetAttribute("regio"), nullptr);
+    EXPECT_EQ(administration->GetUserDetails(nullptr, "Lena"), nullptr);
+    const std::unique_ptr<PermissionListInterface> list(administration->GetPermissionList("both", "both"));
+    ASSERT_EQ(list->GetPermissions()->size(), 3U);
+    EXPECT_STREQ(list->GetPermissions()->front().resource(), "first");
+    releaseSECM_Interface(administration);
 }
 
 TEST_F(SecurityDatabaseTest, ARequestThatMeetsABrokenDatabaseThrowsAndTheNextIsServed)
@@ -95,7 +114,8 @@ TEST(PermissionBaseTest, SurvivesSerialization)
                     copy.IsConditional() == permission.IsConditional());
     }
     for (const std::string damaged :
-         {"", "4:kept", "1:a1:x1:0", "1:a1:11:2", "1:a1:11:0x", "1:a10:42949672961:0", "9:a1:11:0", "1:a1:11:09:r"}) {
+         {"", "4:kept", "1:a1:x1:0", "1:a1:11:2", "1:a1:11:0x", "1:a10:42949672961:0", "9:a1:11:0", "1:a2:1x1:0",
+          "1:a1:11:01:r1:s", "1:a1:11:03:rr", "1", ":a1:11:0", "1:a1:11:09:r"}) {
         EXPECT_FALSE(copy.deserialize(damaged)) << damaged;
     }
     EXPECT_STREQ(copy.name(), "");

@@ -47,7 +47,7 @@ Outcome WorkspaceTest::Run(const std::string& command) const
 
 void WorkspaceTest::MakeDatabase(const std::string& name, const std::string& statements) const
 {
-    Write(name + ".sql", statements);
+    Write(name + ".sql", "PRAGMA synchronous = OFF;\nBEGIN;\n" + statements + "\nCOMMIT;\n");
     const Outcome made = Run("sqlite3 -bail '" + name + "' < '" + name + ".sql'");
     ASSERT_EQ(made.status, 0) << made.errors;
 }

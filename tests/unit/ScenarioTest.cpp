@@ -3,6 +3,7 @@
 // meanwhile ("> ").
 #include "platform/security_manager/PermissionListInterface.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
+#include "tests/Permissions.h"
 #include "tests/unit/ScriptedPlatform.h"
 
 #include <algorithm>
@@ -14,13 +15,6 @@
 
 namespace {
 
-PermissionBase PermissionFrom(const std::string& text) // NAME:VALUE:RESOURCE[:conditional]
-{
-    const Lines parts = Split(text, ":");
-    return {parts.at(0).c_str(), static_cast<unsigned>(std::stoul(parts.at(1))),
-            parts.at(2) == "null" ? nullptr : parts.at(2).c_str(), parts.size() > 3};
-}
-
 std::string Joined(const Lines& texts)
 {
     std::string joined;
@@ -30,10 +24,17 @@ std::string Joined(const Lines& texts)
     return joined;
 }
 
-AccessControl_ValuesFunctionInterface* NoFunction()
-{
-    return nullptr;
-}
+// Whose answers nobody may rely on.
+class OddFunction : public AccessControl_ValuesFunctionInterface {
+public:
+    static AccessControl_ValuesFunctionInterface* Make() { return new OddFunction; }
+    bool Initialize(std::string /*configuration*/) override { return false; }
+    bool MapValue(const std::string& value, std::string& mapped) override
+    {
+        mapped = "odd " + value;
+        return false;
+    }
+};
 
 class Player {
 public:
@@ -126,6 +127,31 @@ private:
         return Truth(told) + Joined(found);
     }
 
+    // A registered values function, NAME|CONFIGURATION|VALUE: what it answers, and what it maps the value to.
+    std::string Mapped(const std::string& text) const
+    {
+        const Lines parts = Split(text, "|");
+        const std::unique_ptr<AccessControl_ValuesFunctionInterface> function(
+            manager->valuesFunctionFactories.at(parts.at(0))());
+        std::string mapped = "left over";
+        const bool isReady = function->Initialize(parts.at(1));
+        const bool isMapped = function->MapValue(parts.at(2), mapped);
+        return Truth(isReady) + Truth(isMapped) + Joined({mapped});
+    }
+
+    // What the callback answers in place of whatever stood there before.
+    std::string CallbackAnswers() const
+    {
+        AccessControlCallback& c = manager->callback;
+        c.userName = "u", c.group = "g", c.secondGroup = "s", c.ipAddress = "i";
+        bool flag = true;
+        std::string texts[6] = {"?", "?", "?", "?", "?", "?"};
+        const bool all = c.GetApplicationName(texts[0]) && c.GetUserName(texts[1]) &&
+                         c.GetAuxiliaryText(texts[2], flag) && c.GetGroup(texts[3]) && c.GetSecondGroup(texts[4]) &&
+                         c.GetIpAddress(texts[5]);
+        return Truth(all) + Truth(flag) + Joined(Lines(std::begin(texts), std::end(texts)));
+    }
+
     std::string SplitWith(const std::string& text) const
     {
         Lines parts = {"kept"};
@@ -145,8 +171,9 @@ private:
         {"clear", [this](Text) { return manager->ClearFieldDefinitions(), Definitions(); }},
         {"split", [this](Text text) { return SplitWith(text); }},
         {"factories", [this](Text) { return std::to_string(manager->valuesFunctionFactories.size()); }},
-        {"register", [this](Text name) { return manager->RegisterValuesFunction(name, NoFunction), ""; }},
-        {"registered", [this](Text name) { return Truth(manager->valuesFunctionFactories.at(name) != NoFunction); }},
+        {"register", [this](Text name) { return manager->RegisterValuesFunction(name, OddFunction::Make), ""; }},
+        {"registered",
+         [this](Text name) { return Truth(manager->valuesFunctionFactories.at(name) != OddFunction::Make); }},
         {"connect", [this](Text) { return Truth(manager->InitSecurityConnection("text", 7)); }},
         {"has-manager", [this](Text) { return Truth(manager->securityManager != nullptr); }},
         {"has-admin", [this](Text) { return Truth(manager->adminInterface != nullptr); }},
@@ -155,6 +182,8 @@ private:
         {"given", [this](Text) { return manager->GetAccessControlFilter(security); }},
         {"given-nobody", [this](Text) { return manager->GetAccessControlFilter(nobody); }},
         {"user-in-callback", [this](Text) { return manager->callback.userName; }},
+        {"callback", [this](Text) { return CallbackAnswers(); }},
+        {"map", [this](Text text) { return Mapped(text); }},
         {"own", [this](Text text) { return OwnValue(text, security); }},
         {"own-of-nobody", [this](Text text) { return OwnValue(text, nobody); }},
         {"fill", [this](Text values) { return Filled(values, security); }},
@@ -222,7 +251,7 @@ TEST_P(ScenarioTest, Plays)
             EXPECT_EQ(isComplete ? script.journal : messages, expected) << line;
         }
         if (at < lines.size() && lines[at].starts_with("=")) {
-            EXPECT_EQ("= " + player.answer, lines[at].size() > 1 ? lines[at] : "= ") << line;
+            EXPECT_EQ(player.answer, Unescaped(lines[at].substr(std::min<std::size_t>(2, lines[at].size())))) << line;
             ++at;
         }
         if (line.starts_with("login") || line.starts_with("byname") || line.starts_with("given")) {
