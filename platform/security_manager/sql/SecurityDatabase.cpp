@@ -62,34 +62,6 @@ struct Row {
     int isConditional = 0;
 };
 
-std::string PlaceOf(const Row& row)
-{
-    return "the row of security_permission at position " + std::to_string(row.position);
-}
-
-// The interfaces hand texts out up to their first NUL; cut short they would be other names and other resources.
-const std::string& Checked(const std::string& text, soci::indicator indicator, const std::string& place)
-{
-    if (indicator == soci::i_null) {
-        throw std::runtime_error(place + " holds NULL where a text must stand");
-    }
-    if (text.find('\0') != std::string::npos) {
-        throw std::runtime_error(place + " holds a text with a NUL byte; remove it");
-    }
-    return text;
-}
-
-PermissionBase PermissionOf(const Row& row)
-{
-    if (row.value < 0) {
-        throw std::runtime_error(PlaceOf(row) + " has a permission_value that is no whole number from 0 to 4294967295");
-    }
-    const char* resource =
-        row.textIndicator == soci::i_null ? nullptr : Checked(row.text, row.textIndicator, PlaceOf(row)).c_str();
-    return {Checked(row.name, row.nameIndicator, PlaceOf(row)).c_str(), static_cast<unsigned>(row.value), resource,
-            row.isConditional != 0};
-}
-
 // The backends are linked, not looked for by SOCI when a text names them: a library that SOCI opens by itself could not
 // be unloaded with ours.
 soci::connection_parameters ParametersOf(const std::string& connectionText, unsigned timeout)
@@ -148,7 +120,7 @@ public:
         std::vector<PermissionBase> found;
         permissions.execute();
         while (permissions.fetch()) {
-            found.push_back(PermissionOf(row));
+            found.push_back(Permission());
         }
         return found;
     }
@@ -164,20 +136,54 @@ private:
                 if (found) {
                     throw std::runtime_error("the user '" + name + "' has more than one row in security_user");
                 }
-                found.emplace().groupName = Checked(row.name, row.nameIndicator, "security_user of '" + name + "'");
+                found.emplace().groupName = Checked(row.name, row.nameIndicator);
             } else if (!found) {
                 continue; // attributes and permissions of a name that is no user's
             } else if (row.section == attributeSection) {
-                const std::string place = "security_attribute of '" + name + "'";
-                const std::string& attribute = Checked(row.name, row.nameIndicator, place);
-                if (!found->attributes.emplace(attribute, Checked(row.text, row.textIndicator, place)).second) {
-                    throw std::runtime_error(place + " holds two values of '" + attribute + "'");
+                const std::string& attribute = Checked(row.name, row.nameIndicator);
+                if (!found->attributes.emplace(attribute, Checked(row.text, row.textIndicator)).second) {
+                    throw std::runtime_error(Place() + " holds two values of '" + attribute + "'");
                 }
             } else {
-                found->permissions.push_back(PermissionOf(row));
+                found->permissions.push_back(Permission());
             }
         }
         return found;
+    }
+
+    // The row that is being read, as an administrator finds it.
+    std::string Place() const
+    {
+        switch (row.section) {
+        case userSection:
+            return "security_user of '" + userName + "'";
+        case attributeSection:
+            return "security_attribute of '" + userName + "'";
+        default:
+            return "the row of security_permission at position " + std::to_string(row.position);
+        }
+    }
+
+    // The interfaces hand texts out up to their first NUL; cut short they would be other names and other resources.
+    const std::string& Checked(const std::string& column, soci::indicator indicator) const
+    {
+        if (indicator == soci::i_null) {
+            throw std::runtime_error(Place() + " holds NULL where a text must stand");
+        }
+        if (column.find('\0') != std::string::npos) {
+            throw std::runtime_error(Place() + " holds a text with a NUL byte; remove it");
+        }
+        return column;
+    }
+
+    PermissionBase Permission() const
+    {
+        if (row.value < 0) {
+            throw std::runtime_error(Place() + " has a permission_value that is no whole number from 0 to 4294967295");
+        }
+        const bool hasResource = row.textIndicator != soci::i_null;
+        return {Checked(row.name, row.nameIndicator).c_str(), static_cast<unsigned>(row.value),
+                hasResource ? Checked(row.text, row.textIndicator).c_str() : nullptr, row.isConditional != 0};
     }
 
     void Prepare(soci::statement& statement, const std::string& sql)
