@@ -1,6 +1,7 @@
 -- For logins.txt and checks.txt: what differs from a user, a group or a permission by little must count for nothing.
 INSERT INTO security_user VALUES
-    ('', ''), ('o''bré', ''), ('under_score', ''), ('zero', 'Board'), ('both', 'both'), ('checker', '');
+    ('', ''), ('o''bré', ''), ('under_score', ''), ('zero', 'Board'), ('both', 'both'), ('checker', ''),
+    ('twice', 'a%'), (' x', ''), ('%', '');
 INSERT INTO security_permission VALUES
     (1, 'group', '', 'archive.kind', 1, 'no group', 0),
     (2, 'user', 'o''bré', 'archive.kind', 4294967295, '', 1),
@@ -16,6 +17,7 @@ INSERT INTO security_permission VALUES
     (12, 'user', 'both', 'archive.kind', 1, 'second', 0),
     (13, 'group', 'both', 'archive.kind', 1, 'second', 0),
     (14, 'user', 'board', 'archive.kind', 1, 'a user called like a group', 0),
+    (15, 'group', 'aa', 'archive.kind', 1, 'of a group that a pattern would match', 0),
     (21, 'user', 'checker', 'p', 1, NULL, 0),
     (22, 'user', 'checker', 'p', 3, NULL, 0),
     (23, 'user', 'checker', 'q', 1, 'default', -1),

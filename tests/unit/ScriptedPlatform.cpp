@@ -65,14 +65,14 @@ struct SecurityManager : SecurityManagerInterface {
                     bool flag) override
     {
         std::string application;
-        callback->GetApplicationName(application);
+        application = callback->GetApplicationName(application) ? application : "wrong";
         return Outside("Initialize " + Connection(text, value, mode) + " " + application + (flag ? " wrong" : ""),
                        "security manager connects");
     }
     bool Login(SECM_CallBackInterface* callback, bool flag) override
     {
         bool auxiliaryFlag = true;
-        std::string user, auxiliary = "?", group, second, address;
+        std::string user = "?", auxiliary = "?", group = "?", second = "?", address = "?";
         const bool answers = callback->GetUserName(user) && callback->GetAuxiliaryText(auxiliary, auxiliaryFlag) &&
                              callback->GetGroup(group) && callback->GetSecondGroup(second) &&
                              callback->GetIpAddress(address);
