@@ -154,7 +154,10 @@ std::string SECM_AccessControlManager::ComposeClause(User& user, const FieldDefi
             ++conditionCount;
         }
     }
-    return conditionCount > 1 ? "(" + clause + ")" : clause;
+    if (conditionCount > 1) {
+        return "(" + clause + ")";
+    }
+    return clause;
 }
 
 template <class User>

@@ -55,7 +55,4 @@ set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS
     "libsecm-accesscontrol${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/lib)
-# Opened by name when a connection text asks for them, so no tool finds them.
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "libsoci-sqlite3-4.0")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "libsoci-postgresql4.0")
 include(CPack)

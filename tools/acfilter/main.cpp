@@ -19,9 +19,13 @@ std::string Message(const char* text)
     std::string message = "acfilter: ";
     for (; *text != '\0'; ++text) {
         const auto byte = static_cast<unsigned char>(*text);
-        std::array<char, 5> escaped{};
-        std::snprintf(escaped.data(), escaped.size(), "\\x%02x", static_cast<unsigned>(byte));
-        message += byte < 0x20 || byte == 0x7f ? std::string(escaped.data()) : std::string(1, *text);
+        if (byte < 0x20 || byte == 0x7f) {
+            std::array<char, 5> escaped{};
+            std::snprintf(escaped.data(), escaped.size(), "\\x%02x", static_cast<unsigned>(byte));
+            message += escaped.data();
+        } else {
+            message += *text;
+        }
     }
     return message + "\n";
 }

@@ -1,6 +1,5 @@
 #include "platform/security_manager/sql/ConnectionText.h"
 
-#include <algorithm>
 #include <stdexcept>
 #include <string_view>
 
@@ -9,28 +8,30 @@ namespace {
 constexpr std::string_view sqlite = "sqlite3://";
 constexpr std::string_view postgresql = "postgresql://";
 
-// More would overflow the milliseconds in which the databases count.
-constexpr unsigned longestTimeoutSeconds = 2'000'000;
+// Whether `settings` is of the form KEY=VALUE..., as both databases take it, and not user:password@host.
+bool BeginsWithKey(std::string_view settings)
+{
+    return settings.find('=') != std::string_view::npos &&
+           settings.find_first_not_of("abcdefghijklmnopqrstuvwxyz_ ") == settings.find('=');
+}
 
 // What could hold a password: all behind "password=", or everything where no KEY=VALUE begins the text.
 std::string SecretOf(const std::string& connectionText)
 {
     const std::size_t scheme = connectionText.find("://");
-    const std::size_t start = scheme == std::string::npos ? 0 : scheme + 3;
-    const std::size_t equal = connectionText.find('=', start);
-    if (equal == std::string::npos || connectionText.find('@', start) < equal) {
-        return connectionText.find('@', start) == std::string::npos ? "" : connectionText.substr(start);
+    const std::string settings = connectionText.substr(scheme == std::string::npos ? 0 : scheme + 3);
+    if (!BeginsWithKey(settings)) {
+        return settings.find('@') == std::string::npos ? "" : settings;
     }
-    const std::size_t password = connectionText.find("password", start);
-    const std::size_t value = connectionText.find('=', password);
-    return password == std::string::npos || value == std::string::npos ? "" : connectionText.substr(value + 1);
+    const std::size_t value = settings.find('=', settings.find("password"));
+    return value == std::string::npos ? "" : settings.substr(value + 1);
 }
 
 } // namespace
 
 DatabaseAddress DatabaseAddressOf(const std::string& connectionText, unsigned timeoutSeconds)
 {
-    const std::string timeout = std::to_string(std::min(timeoutSeconds, longestTimeoutSeconds));
+    const std::string timeout = std::to_string(timeoutSeconds);
     const std::string_view view = connectionText;
     // Our settings stand first: behind a quote that is never closed they would be part of a file's name.
     if (view.starts_with(sqlite)) {
@@ -42,7 +43,7 @@ DatabaseAddress DatabaseAddressOf(const std::string& connectionText, unsigned ti
     }
     if (view.starts_with(postgresql)) {
         const std::string settings = connectionText.substr(postgresql.size());
-        if (settings.find('=') > settings.find('@') || settings.find('=') == std::string::npos) {
+        if (!BeginsWithKey(settings)) {
             throw std::runtime_error("write postgresql://host=... dbname=... user=..., not user@host/database");
         }
         return {true, (timeoutSeconds != 0 ? "connect_timeout=" + timeout + " " : "") + settings};

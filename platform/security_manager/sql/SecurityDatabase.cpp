@@ -88,7 +88,7 @@ public:
           permissions(session)
     {
         if (timeout != 0 && session.get_backend_name() == "postgresql") {
-            session << "SET statement_timeout = " << static_cast<unsigned long long>(timeout) * 1000;
+            session << "SET statement_timeout = " << timeout * 1000;
         }
         permissions.exchange(soci::use(groupName, "group"));
         Prepare(permissions, GrantedTo(":user", ":group") + inOrder);
@@ -212,7 +212,7 @@ private:
 };
 
 SecurityDatabase::SecurityDatabase(std::string connectionText, unsigned timeout)
-    : text(std::move(connectionText)), timeoutSeconds(timeout)
+    : text(std::move(connectionText)), timeoutSeconds(std::min(timeout, longestTimeoutSeconds))
 {
 }
 
