@@ -3,41 +3,38 @@
 #include "SECM_AccessControl/SECM_AccessControlManager.h"
 
 #include "SECM_AccessControl/Log.h"
+#include "SECM_AccessControl/TemplateLanguage.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
 #include "platform/security_manager/UserDetailsInterface.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace {
 
-constexpr std::string_view valuesPlaceholder = "%values%";
-constexpr std::string_view equalOperatorPlaceholder = "%equal_operator%";
-constexpr std::string_view ownValue = "%my%";
-constexpr char tokenFrame = '$';
-
 constexpr LogOrigin conditionLog{managerSourceFile, "SECM_AccessControlManager::HandleSingleCondition"};
 constexpr LogOrigin valueLog{managerSourceFile, "SECM_AccessControlManager::ReplaceSingleValue"};
 
+// Where `pattern` first stands. Looks for what is behind its first character: that is a percent sign or a dollar, of
+// which templates are full.
+std::size_t Find(std::string_view text, std::string_view pattern)
+{
+    for (std::size_t behind = 1; (behind = text.find(pattern.substr(1), behind)) != std::string_view::npos; ++behind) {
+        if (text[behind - 1] == pattern.front()) {
+            return behind - 1;
+        }
+    }
+    return std::string_view::npos;
+}
+
 bool ReplaceFirst(std::string& text, std::string_view pattern, std::string_view replacement)
 {
-    const std::size_t position = text.find(pattern);
+    const std::size_t position = Find(text, pattern);
     if (position == std::string::npos) {
         return false;
     }
     text.replace(position, pattern.size(), replacement);
     return true;
-}
-
-// A token without its first and last character: the name of an attribute. Of a single character nothing is
-// left.
-std::string AttributeName(std::string_view token)
-{
-    return std::string(token.size() > 1 ? token.substr(1, token.size() - 2) : "");
-}
-
-bool IsFramed(std::string_view token)
-{
-    return !token.empty() && token.front() == tokenFrame && token.back() == tokenFrame;
 }
 
 // False: the user lacks an attribute without which the condition must not stand.
@@ -56,33 +53,76 @@ bool FillUserTokens(std::string& text, const ConditionDefinition& condition, Use
     return true;
 }
 
+// The template with what `appendValues` appends in place of the values' placeholder, where that is found, and with the
+// operator in place of its own.
+template <class AppendValues>
+std::string FilledWithValues(const std::string& conditionText, const std::string& equalOperator,
+                             std::size_t valuesLength, AppendValues appendValues)
+{
+    const std::size_t position = std::min(Find(conditionText, valuesPlaceholder), conditionText.size());
+    std::string text;
+    text.reserve(conditionText.size() + valuesLength + equalOperator.size());
+    text.assign(conditionText, 0, position);
+    // The first one before the values is the first of all, whatever the values bring: no need to move them later.
+    const bool isOperatorFilled = ReplaceFirst(text, equalOperatorPlaceholder, equalOperator);
+
+    const std::size_t beforeValues = text.size();
+    appendValues(text);
+    if (position == conditionText.size()) {
+        text.resize(beforeValues); // there is no place for them, but they were mapped as always
+    } else {
+        text.append(conditionText, position + valuesPlaceholder.size());
+    }
+    if (!isOperatorFilled) {
+        ReplaceFirst(text, equalOperatorPlaceholder, equalOperator);
+    }
+    return text;
+}
+
 } // namespace
 
 std::string SECM_AccessControlManager::HandleSingleConditionForUser(const ConditionDefinition& condition,
                                                                     const std::vector<std::string>& values,
                                                                     UserDetailsInterface* userDetails)
 {
-    std::string text = condition.conditionText;
-    const bool isSingle = values.size() == 1;
-    if (isSingle) {
-        const std::string mapped = ApplyValuesFunction(values.front(), condition);
-        if (mapped != ownValue) {
-            ReplaceFirst(text, valuesPlaceholder, mapped);
-        } else if (!FillUserTokens(text, condition, userDetails)) {
-            return "";
-        }
-    } else {
-        std::string list = valueMultiplicityPrefix;
-        std::string_view separator;
-        for (const std::string& value : values) {
-            list.append(separator).append(ApplyValuesFunction(value, condition));
-            separator = valueMultiplicityDelimiter;
-        }
-        list += valueMultiplicitySuffix;
-        ReplaceFirst(text, valuesPlaceholder, list);
+    if (values.size() != 1) {
+        return FilledWithValues(condition.conditionText, multipleEqualOperator, LengthOfList(values),
+                                [&](std::string& text) { AppendList(text, condition, values); });
     }
-    ReplaceFirst(text, equalOperatorPlaceholder, isSingle ? singleEqualOperator : multipleEqualOperator);
+    const std::string mapped = ApplyValuesFunction(values.front(), condition);
+    if (mapped != ownValue) {
+        return FilledWithValues(condition.conditionText, singleEqualOperator, mapped.size(),
+                                [&](std::string& text) { text += mapped; });
+    }
+    std::string text = condition.conditionText;
+    if (!FillUserTokens(text, condition, userDetails)) {
+        return "";
+    }
+    ReplaceFirst(text, equalOperatorPlaceholder, singleEqualOperator);
     return text;
+}
+
+// When the values go in as they are.
+std::size_t SECM_AccessControlManager::LengthOfList(const std::vector<std::string>& values) const
+{
+    std::size_t length = valueMultiplicityPrefix.size() + valueMultiplicitySuffix.size();
+    for (const std::string& value : values) {
+        length += value.size() + valueMultiplicityDelimiter.size();
+    }
+    return length;
+}
+
+void SECM_AccessControlManager::AppendList(std::string& text, const ConditionDefinition& condition,
+                                           const std::vector<std::string>& values)
+{
+    text += valueMultiplicityPrefix;
+    std::string_view delimiter;
+    for (const std::string& value : values) {
+        text += delimiter;
+        text += ApplyValuesFunction(value, condition);
+        delimiter = valueMultiplicityDelimiter;
+    }
+    text += valueMultiplicitySuffix;
 }
 
 std::string SECM_AccessControlManager::HandleSingleCondition(const ConditionDefinition& condition,
@@ -134,9 +174,10 @@ void SECM_AccessControlManager::ResolveUserField(std::string& token, UserDetails
 std::string SECM_AccessControlManager::ApplyValuesFunction(const std::string& value,
                                                            const ConditionDefinition& condition)
 {
-    std::string mapped = value;
-    if (condition.valuesFunction) {
-        condition.valuesFunction->MapValue(value, mapped);
+    if (!condition.valuesFunction) {
+        return value;
     }
+    std::string mapped = value;
+    condition.valuesFunction->MapValue(value, mapped);
     return mapped;
 }

@@ -8,8 +8,6 @@
 #include "platform/security_manager/SecurityManagerInterface.h"
 #include "platform/security_manager/UserDetailsInterface.h"
 
-#include <string_view>
-
 namespace {
 
 constexpr LogOrigin compositionLog{managerSourceFile, "SECM_AccessControlManager::GetAccessControlFilter"};
@@ -116,21 +114,18 @@ std::string SECM_AccessControlManager::GetAccessControlFilter(const std::string&
 
 template <class User>
 bool SECM_AccessControlManager::CollectValues(User& user, const FieldDefinition& field,
-                                              std::vector<std::string>& resources, std::vector<std::string>& values)
+                                              std::vector<std::string>& values)
 {
-    resources.clear();
     values.clear();
-    if (!user.GetResources(field, resources)) {
+    if (!user.GetResources(field, values)) {
         SECM_LOG(compositionLog, failureLevel, "Couldn't get resources for user for permission name: '%s'\n",
                  field.permissionName.c_str());
         return false;
     }
-    for (std::string& resource : resources) {
-        user.RewriteValue(resource, field);
-        if (!resource.empty()) {
-            values.push_back(std::move(resource));
-        }
+    for (std::string& value : values) {
+        user.RewriteValue(value, field);
     }
+    std::erase_if(values, [](const std::string& value) { return value.empty(); });
     if (values.empty()) {
         SECM_LOG(compositionLog, traceLevel, "No values were found for the permission: '%s'\n",
                  field.permissionName.c_str());
@@ -144,18 +139,21 @@ std::string SECM_AccessControlManager::ComposeClause(User& user, const FieldDefi
                                                      const std::vector<std::string>& values)
 {
     std::string clause;
-    std::string_view conditionDelimiter;
     int conditionCount = 0;
     for (const ConditionDefinition& condition : field.conditions) {
-        const std::string text = user.FillCondition(condition, values);
-        if (!text.empty()) {
-            clause.append(conditionDelimiter).append(text);
-            conditionDelimiter = field.conditionsDelimiter;
-            ++conditionCount;
+        std::string text = user.FillCondition(condition, values);
+        if (text.empty()) {
+            continue;
+        }
+        if (++conditionCount == 1) {
+            clause = std::move(text);
+        } else {
+            clause.append(field.conditionsDelimiter).append(text);
         }
     }
     if (conditionCount > 1) {
-        return "(" + clause + ")";
+        clause.insert(clause.begin(), '(');
+        clause.push_back(')');
     }
     return clause;
 }
@@ -164,22 +162,26 @@ template <class User>
 std::string SECM_AccessControlManager::ComposeFilter(User& user)
 {
     std::string filter;
-    std::string_view fieldDelimiter;
-    // For the whole request, so that their storage serves every field.
-    std::vector<std::string> resources;
+    bool isFirstClause = true;
+    // For the whole request, so that its storage serves every field.
     std::vector<std::string> values;
 
     for (const auto& field : fieldDefinitions) {
         if (user.Holds(PermissionBase(field->permissionName.c_str(), field->permissionValue, nullptr, true))) {
             continue; // without restriction
         }
-        if (!CollectValues(user, *field, resources, values)) {
+        if (!CollectValues(user, *field, values)) {
             return hideAllFilter;
         }
-        const std::string clause = ComposeClause(user, *field, values);
-        if (!clause.empty()) {
-            filter.append(fieldDelimiter).append(clause);
-            fieldDelimiter = filterDelimiter;
+        std::string clause = ComposeClause(user, *field, values);
+        if (clause.empty()) {
+            continue;
+        }
+        if (isFirstClause) {
+            filter = std::move(clause);
+            isFirstClause = false;
+        } else {
+            filter.append(filterDelimiter).append(clause);
         }
     }
 

@@ -38,10 +38,13 @@ bool SECM_AccessControlManager::GetResourcesFromList(PermissionListInterface* pe
                                                      const std::string& permissionName, unsigned permissionValue,
                                                      std::vector<std::string>& resources)
 {
-    for (const PermissionBase& entry : *permissionList->GetPermissions()) {
-        if (permissionName == entry.name() && (entry.value() & permissionValue) == permissionValue &&
-            entry.resource() != nullptr) {
-            resources.emplace_back(entry.resource());
+    const std::vector<PermissionBase>& entries = *permissionList->GetPermissions();
+    resources.reserve(resources.size() + entries.size()); // far less than the list itself takes
+    for (const PermissionBase& entry : entries) {
+        const char* resource = entry.resource();
+        if (resource != nullptr && (entry.value() & permissionValue) == permissionValue &&
+            permissionName == entry.name()) {
+            resources.emplace_back(resource);
         }
     }
     return true;

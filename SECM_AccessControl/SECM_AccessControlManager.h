@@ -91,10 +91,13 @@ private:
     std::string ComposeFilter(User& user);
     /// False: the field leaves no value, or it cannot be told which; the answer is then the hide-all filter.
     template <class User>
-    bool CollectValues(User& user, const FieldDefinition& field, std::vector<std::string>& resources,
-                       std::vector<std::string>& values);
+    bool CollectValues(User& user, const FieldDefinition& field, std::vector<std::string>& values);
     template <class User>
     std::string ComposeClause(User& user, const FieldDefinition& field, const std::vector<std::string>& values);
+
+    // The pieces of HandleSingleConditionForUser.
+    std::size_t LengthOfList(const std::vector<std::string>& values) const;
+    void AppendList(std::string& text, const ConditionDefinition& condition, const std::vector<std::string>& values);
 
     // The pieces of ReadConfigurations.
     void ReadField(const CFG_RepositoryServices& fields, const std::string& fieldName);

@@ -52,8 +52,9 @@ private:
         Dl_info self{};
         void* map = nullptr;
         std::string folder(PATH_MAX, '\0');
+        // A program that holds the module's code has no name here; its own search path then leads.
         if (dladdr1(reinterpret_cast<const void*>(&Path), &self, &map, RTLD_DL_LINKMAP) != 0 &&
-            dlinfo(map, RTLD_DI_ORIGIN, folder.data()) == 0) {
+            *static_cast<link_map*>(map)->l_name != '\0' && dlinfo(map, RTLD_DI_ORIGIN, folder.data()) == 0) {
             std::string beside = std::string(folder.c_str()) + "/" + name;
             if (std::error_code error; std::filesystem::exists(beside, error) || error) {
                 return beside;

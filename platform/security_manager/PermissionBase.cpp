@@ -1,6 +1,7 @@
 #include "platform/security_manager/PermissionBase.h"
 
 #include <charconv>
+#include <optional>
 
 namespace {
 
@@ -30,88 +31,41 @@ std::optional<std::string_view> TakeField(std::string_view& bytes)
 
 serializeable::~serializeable() = default;
 
-PermissionBase::PermissionBase(const char* name, unsigned value, const char* resource, bool conditional)
-    : permissionName(name), permissionValue(value), isConditional(conditional)
-{
-    if (resource != nullptr) {
-        resourceName.emplace(resource);
-    }
-}
-
-PermissionBase::PermissionBase(const PermissionBase&) = default;
-PermissionBase::PermissionBase(PermissionBase&&) noexcept = default;
-PermissionBase& PermissionBase::operator=(const PermissionBase&) = default;
-PermissionBase& PermissionBase::operator=(PermissionBase&&) noexcept = default;
-PermissionBase::~PermissionBase() = default;
-
 std::string PermissionBase::serialize() const
 {
     std::string bytes;
-    AppendField(bytes, permissionName);
+    AppendField(bytes, name());
     AppendField(bytes, std::to_string(permissionValue));
     AppendField(bytes, isConditional ? "1" : "0");
-    if (resourceName) {
-        AppendField(bytes, *resourceName);
+    if (resource() != nullptr) {
+        AppendField(bytes, resource());
     }
     return bytes;
 }
 
 bool PermissionBase::deserialize(std::string_view bytes)
 {
-    const auto name = TakeField(bytes);
-    const auto valueText = name ? TakeField(bytes) : std::nullopt;
+    const auto nameText = TakeField(bytes);
+    const auto valueText = nameText ? TakeField(bytes) : std::nullopt;
     const auto conditionalText = valueText ? TakeField(bytes) : std::nullopt;
     if (!conditionalText || (*conditionalText != "0" && *conditionalText != "1")) {
         return false;
     }
-    unsigned value = 0;
+    unsigned number = 0;
     const char* valueEnd = valueText->data() + valueText->size();
-    if (auto [stop, error] = std::from_chars(valueText->data(), valueEnd, value);
+    if (auto [stop, error] = std::from_chars(valueText->data(), valueEnd, number);
         error != std::errc() || stop != valueEnd) {
         return false;
     }
-    std::optional<std::string> resource;
+    std::optional<std::string> resourceText;
     if (!bytes.empty()) {
         const auto field = TakeField(bytes);
         if (!field || !bytes.empty()) {
             return false;
         }
-        resource.emplace(*field);
+        resourceText.emplace(*field);
     }
-    permissionName = *name;
-    permissionValue = value;
-    isConditional = *conditionalText == "1";
-    resourceName = std::move(resource);
+    *this = PermissionBase(std::string(*nameText).c_str(), number, resourceText ? resourceText->c_str() : nullptr,
+                           *conditionalText == "1");
     return true;
-}
-
-const char* PermissionBase::name() const
-{
-    return permissionName.c_str();
-}
-
-unsigned PermissionBase::value() const
-{
-    return permissionValue;
-}
-
-const char* PermissionBase::resource() const
-{
-    return resourceName ? resourceName->c_str() : nullptr;
-}
-
-bool PermissionBase::IsConditional() const
-{
-    return isConditional;
-}
-
-bool PermissionBase::operator==(const PermissionBase& other) const
-{
-    return permissionName == other.permissionName && resourceName == other.resourceName;
-}
-
-bool PermissionBase::operator<=(const PermissionBase& granted) const
-{
-    return *this == granted && (permissionValue & ~granted.permissionValue) == 0 &&
-           (isConditional || !granted.isConditional);
 }

@@ -1,0 +1,23 @@
+// What stands for something else in a condition's template, for those who fill templates in and those who check them.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+inline constexpr std::string_view valuesPlaceholder = "%values%";
+inline constexpr std::string_view equalOperatorPlaceholder = "%equal_operator%";
+/// No placeholder, but the value that stands for the user's own.
+inline constexpr std::string_view ownValue = "%my%";
+inline constexpr char tokenFrame = '$';
+
+/// Whether a token is one that is replaced.
+inline bool IsFramed(std::string_view token)
+{
+    return !token.empty() && token.front() == tokenFrame && token.back() == tokenFrame;
+}
+
+/// A token without its first and last character: the name of an attribute. Of a single character nothing is left.
+inline std::string AttributeName(std::string_view token)
+{
+    return std::string(token.size() > 1 ? token.substr(1, token.size() - 2) : "");
+}
