@@ -1,11 +1,16 @@
-// Serves requests from several threads, and takes over a changed configuration while they run.
+// Serves requests from several threads, and takes over a changed configuration while they run. Prints every filter that
+// each user was given: one, as long as neither the configuration nor the permissions change.
 // Usage: threads REPOSITORY CONNECTION THREADS USER...
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
 
 #include <atomic>
 #include <iostream>
+#include <map>
 #include <memory>
+#include <mutex>
+#include <set>
+#include <shared_mutex>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -24,6 +29,9 @@ std::unique_ptr<SECM_AccessControlInterface> Connected(std::string repository, c
     return made;
 }
 
+// The configuration is not read again while an object is being made of it. Requests need no lock.
+std::shared_mutex configurationInUse;
+
 // One thread's requests: a manager of its own, and a new one when the configuration has changed.
 class Worker {
 public:
@@ -35,6 +43,7 @@ public:
     std::string FilterOf(const std::string& user)
     {
         if (const unsigned current = version; !manager || current != usedVersion) {
+            const std::shared_lock<std::shared_mutex> lock(configurationInUse);
             manager = Connected(repository, connection); // throws: the old one serves no more, and nothing is shown
             usedVersion = current;
         }
@@ -58,8 +67,9 @@ try {
     }
     const std::vector<std::string> users(argv + 4, argv + argc);
     std::atomic<unsigned> version = 1;
-    std::atomic<unsigned> served = 0;
     std::atomic<unsigned> refused = 0;
+    std::mutex filtersMutex;
+    std::map<std::string, std::set<std::string>> filters;
     std::vector<std::thread> threads;
     for (int count = std::stoi(argv[3]); count > 0; --count) {
         threads.emplace_back([&] {
@@ -67,8 +77,9 @@ try {
             for (int round = 0; round < 100; ++round) {
                 for (const std::string& user : users) {
                     try {
-                        worker.FilterOf(user);
-                        ++served;
+                        std::string filter = worker.FilterOf(user);
+                        const std::lock_guard<std::mutex> lock(filtersMutex);
+                        filters[user].insert(std::move(filter));
                     } catch (const std::exception&) {
                         ++refused; // no filter: this request is answered with an error
                     }
@@ -77,14 +88,22 @@ try {
         });
     }
     for (int reloads = 0; reloads < 10; ++reloads) {
-        CFG_Factory::Reload(); // throws, and leaves the old in force, when the new files are wrong
+        {
+            const std::unique_lock<std::shared_mutex> lock(configurationInUse);
+            CFG_Factory::Reload(); // throws, and leaves the old in force, when the new files are wrong
+        }
         ++version;
         std::this_thread::yield();
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
-    std::cout << "served: " << served << ", refused: " << refused << "\n";
+    for (const auto& [user, given] : filters) {
+        for (const std::string& filter : given) {
+            std::cout << user << ": " << filter << "\n";
+        }
+    }
+    std::cout << "refused: " << refused << "\n";
 } catch (const std::exception& error) {
     std::cerr << "threads: " << error.what() << "\n";
     return 1;

@@ -40,7 +40,7 @@ void Use(const char* library, const std::string& repositoryName, const char* con
     const std::unique_ptr<SECM_AccessControlInterface> accessControl(create(repository));
     std::cout << "administration library before connecting: " << IsMapped("libsecm_admin") << ", ";
     try {
-        const bool isConnected = accessControl->InitSecurityConnection(connection, 0);
+        const bool isConnected = accessControl->InitSecurityConnection(connection, 5);
         std::cout << "connected: " << isConnected;
     } catch (const std::exception& error) {
         std::cout << "exception: " << error.what();

@@ -1,10 +1,12 @@
 // The configuration repository on the loaded tree. The one root looks at whatever tree is in force; a
 // sub-tree keeps the tree alive that it was taken from, so a reload never changes or frees what a reader
 // holds.
+#include "platform/configuration/CFG_Listing.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
 
 #include "platform/configuration/toml/TomlTree.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <memory>
@@ -16,6 +18,7 @@ using configuration::Entry;
 using configuration::FindEntry;
 using configuration::LoadTree;
 using configuration::Node;
+using configuration::Tree;
 
 CFG_NameList::~CFG_NameList() = default;
 CFG_RepositoryServices::~CFG_RepositoryServices() = default;
@@ -160,21 +163,27 @@ public:
         }
         // One at a time, so that the one which began last is the one that stays.
         const std::lock_guard<std::mutex> reloading(reloadMutex);
-        NodePointer loaded = LoadTree(path);
+        std::shared_ptr<const Tree> loaded = LoadTree(path);
         const std::lock_guard<std::mutex> lock(mutex);
         tree.swap(loaded);
     }
 
-private:
-    NodePointer Here() const override
+    std::shared_ptr<const Tree> InForce() const
     {
         const std::lock_guard<std::mutex> lock(mutex);
         return tree;
     }
 
+private:
+    NodePointer Here() const override
+    {
+        const std::shared_ptr<const Tree> inForce = InForce();
+        return {inForce, &inForce->root};
+    }
+
     std::mutex reloadMutex;
     mutable std::mutex mutex;
-    NodePointer tree;
+    std::shared_ptr<const Tree> tree;
 };
 
 } // namespace
@@ -188,4 +197,25 @@ CFG_RepositoryServices* CFG_Factory::GetRepositoryServices()
 void CFG_Factory::Reload()
 {
     Root::Instance().Reload();
+}
+
+std::vector<CFG_Entry> CFG_ListEntries(const RWCString& path)
+{
+    if (CFG_Factory::GetRepositoryServices() == nullptr) {
+        return {};
+    }
+    const std::shared_ptr<const Tree> tree = Root::Instance().InForce();
+    const NodePointer node = FindNode(NodePointer(tree, &tree->root), path);
+    if (!node) {
+        return {};
+    }
+    std::vector<CFG_Entry> entries;
+    for (const auto& [name, entry] : node->entries) {
+        const auto& place = entry.place;
+        entries.push_back(
+            {name, entry.node != nullptr, entry.value, {tree->files[place.file], place.line, place.column}});
+    }
+    std::sort(entries.begin(), entries.end(),
+              [](const CFG_Entry& left, const CFG_Entry& right) { return left.place < right.place; });
+    return entries;
 }

@@ -4,6 +4,7 @@
 #include "platform/configuration/toml/TomlTree.h"
 
 #include "platform/configuration/CFG_RepositoryServices.h"
+#include "platform/configuration/toml/Nesting.h"
 
 #include <toml++/toml.h>
 
@@ -23,13 +24,7 @@ constexpr std::int64_t smallestInteger = -2147483648LL;
 constexpr std::int64_t largestInteger = 4294967295LL;
 
 // Far more than any path that is read, and far less than would exhaust the stack.
-constexpr int deepestNode = 200;
-
-std::string PlaceOf(const std::string& path, const toml::source_position& position)
-{
-    return path + ":" + std::to_string(std::max(position.line, 1U)) + ":" +
-           std::to_string(std::max(position.column, 1U));
-}
+constexpr unsigned deepestName = 200;
 
 // For what is wrong with a file as a whole.
 [[noreturn]] void RefuseFile(const std::string& path, const std::string& why)
@@ -70,73 +65,122 @@ const char* KindOf(const toml::node& node)
     }
 }
 
-std::string ValueOf(const toml::node& node, const std::string& name, const std::string& place)
-{
-    if (const auto* text = node.as_string()) {
-        return text->get();
+// One file on its way into the tree.
+class Merging {
+public:
+    Merging(Tree& intoTree, const std::string& path) : tree(intoTree), file(static_cast<unsigned>(tree.files.size()))
+    {
+        tree.files.push_back(path);
     }
-    const auto* integer = node.as_integer();
-    if (integer == nullptr) {
-        throw CFG_Error(place + ": '" + name + "' must be a text or a whole number, found " + KindOf(node) +
-                        (node.is_array() ? "" : "; write it between quotes"));
-    }
-    if (integer->get() < smallestInteger || integer->get() > largestInteger) {
-        throw CFG_Error(place + ": '" + name + "' must be from " + std::to_string(smallestInteger) + " to " +
-                        std::to_string(largestInteger) + ", found " + std::to_string(integer->get()));
-    }
-    return std::to_string(integer->get());
-}
 
-void CheckName(const std::string& name, const std::string& place)
-{
-    if (name.empty()) {
-        throw CFG_Error(place + ": a name must not be empty");
-    }
-    if (name.find('\\') != std::string::npos || name.find('\0') != std::string::npos) {
-        throw CFG_Error(place + ": the name '" + name.substr(0, name.find('\0')) +
-                        "' must contain neither a backslash nor a NUL");
-    }
-}
-
-void Merge(Node& node, const toml::table& table, const std::string& path, int depth = 1)
-{
-    std::vector<std::pair<const toml::key*, const toml::node*>> inFileOrder;
-    inFileOrder.reserve(table.size());
-    for (auto&& [key, value] : table) {
-        inFileOrder.emplace_back(&key, &value);
-    }
-    std::sort(inFileOrder.begin(), inFileOrder.end(), [](const auto& left, const auto& right) {
-        return left.first->source().begin < right.first->source().begin;
-    });
-
-    for (const auto& [key, value] : inFileOrder) {
-        const std::string name(key->str());
-        const std::string place = PlaceOf(path, key->source().begin);
-        CheckName(name, place);
-        const toml::table* child = value->as_table();
-        if (child != nullptr && depth == deepestNode) {
-            throw CFG_Error(place + ": tables are nested more than " + std::to_string(deepestNode) + " deep");
+    void MergeFile()
+    {
+        const std::string& path = tree.files[file];
+        const std::string content = ReadFile(path);
+        if (const auto position = FindTooDeep(content, deepestName)) {
+            Refuse({file, position->line, position->column},
+                   "tables are nested more than " + std::to_string(deepestName) + " deep; shorten the path");
         }
-        auto [found, isNew] = node.entries.try_emplace(name);
+        try {
+            Merge(tree.root, toml::parse(content, path));
+        } catch (const toml::parse_error& error) {
+            Refuse(PlaceOf(error.source().begin), std::string(error.description()));
+        }
+    }
+
+private:
+    void Merge(Node& node, const toml::table& table)
+    {
+        const std::size_t first = inFileOrder.size();
+        for (auto&& [key, value] : table) {
+            inFileOrder.emplace_back(&key, &value);
+        }
+        std::sort(inFileOrder.begin() + static_cast<std::ptrdiff_t>(first), inFileOrder.end(),
+                  [](const auto& left, const auto& right) {
+                      return left.first->source().begin < right.first->source().begin;
+                  });
+        const std::size_t end = inFileOrder.size();
+        for (std::size_t index = first; index < end; ++index) {
+            const auto [key, value] = inFileOrder[index];
+            MergeEntry(node, *key, *value);
+        }
+        inFileOrder.resize(first);
+    }
+
+    void MergeEntry(Node& node, const toml::key& key, const toml::node& value)
+    {
+        const Place place = PlaceOf(key.source().begin);
+        CheckName(key.str(), place);
+        const toml::table* child = value.as_table();
+        auto [found, isNew] = node.entries.try_emplace(std::string(key.str()));
+        const std::string& name = found->first;
         Entry& entry = found->second;
         if (isNew) {
             entry.place = place;
             if (child != nullptr) {
                 entry.node = std::make_unique<Node>();
-                node.childNames.push_back(&found->first);
+                node.childNames.push_back(&name);
             } else {
-                entry.value = ValueOf(*value, name, place);
+                entry.value = ValueOf(value, name, place);
             }
         } else if (child == nullptr || entry.node == nullptr) {
-            throw CFG_Error(place + ": '" + name + "' is " + (child != nullptr ? "a table" : "a value") + " here and " +
-                            (entry.node != nullptr ? "a table" : "a value") + " already at " + entry.place +
-                            "; remove or rename one of the two");
+            Refuse(place, "'" + name + "' is " + (child != nullptr ? "a table" : "a value") + " here and " +
+                              (entry.node != nullptr ? "a table" : "a value") + " already at " + TextOf(entry.place) +
+                              "; remove or rename one of the two");
         }
         if (child != nullptr) {
-            Merge(*entry.node, *child, path, depth + 1);
+            Merge(*entry.node, *child);
         }
     }
-}
+
+    [[noreturn]] void Refuse(const Place& place, const std::string& why) const
+    {
+        throw CFG_Error(TextOf(place) + ": " + why);
+    }
+
+    Place PlaceOf(const toml::source_position& position) const
+    {
+        return {file, std::max(position.line, 1U), std::max(position.column, 1U)};
+    }
+
+    std::string TextOf(const Place& place) const
+    {
+        return tree.files[place.file] + ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
+    }
+
+    void CheckName(std::string_view name, const Place& place) const
+    {
+        if (name.empty()) {
+            Refuse(place, "a name must not be empty");
+        }
+        if (name.find('\\') != std::string::npos || name.find('\0') != std::string::npos) {
+            Refuse(place, "the name '" + std::string(name.substr(0, name.find('\0'))) +
+                              "' must contain neither a backslash nor a NUL");
+        }
+    }
+
+    std::string ValueOf(const toml::node& node, const std::string& name, const Place& place) const
+    {
+        if (const auto* text = node.as_string()) {
+            return text->get();
+        }
+        const auto* integer = node.as_integer();
+        if (integer == nullptr) {
+            Refuse(place, "'" + name + "' must be a text or a whole number, found " + KindOf(node) +
+                              (node.is_array() ? "" : "; write it between quotes"));
+        }
+        if (integer->get() < smallestInteger || integer->get() > largestInteger) {
+            Refuse(place, "'" + name + "' must be from " + std::to_string(smallestInteger) + " to " +
+                              std::to_string(largestInteger) + ", found " + std::to_string(integer->get()));
+        }
+        return std::to_string(integer->get());
+    }
+
+    Tree& tree;
+    unsigned file;
+    // Of the tables that are being merged, each behind the one that it is in: one storage for all of them.
+    std::vector<std::pair<const toml::key*, const toml::node*>> inFileOrder;
+};
 
 std::vector<std::string> FilesOf(const std::string& path)
 {
@@ -164,17 +208,13 @@ std::vector<std::string> FilesOf(const std::string& path)
 
 } // namespace
 
-std::shared_ptr<const Node> LoadTree(const std::string& path)
+std::shared_ptr<const Tree> LoadTree(const std::string& path)
 {
-    auto root = std::make_shared<Node>();
+    auto tree = std::make_shared<Tree>();
     for (const std::string& file : FilesOf(path)) {
-        try {
-            Merge(*root, toml::parse(ReadFile(file), file), file);
-        } catch (const toml::parse_error& error) {
-            throw CFG_Error(PlaceOf(file, error.source().begin) + ": " + std::string(error.description()));
-        }
+        Merging(*tree, file).MergeFile();
     }
-    return root;
+    return tree;
 }
 
 const Entry* FindEntry(const Node& start, std::string_view path)

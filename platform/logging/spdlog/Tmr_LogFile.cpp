@@ -89,10 +89,10 @@ std::string Formatted(const char* format, std::va_list arguments)
 }
 
 // A backslash is doubled so that what is written can be read back to the exact bytes.
-void AppendEscaped(std::string& line, std::string_view message)
+void AppendEscaped(std::string& line, std::string_view text)
 {
     constexpr std::string_view digits = "0123456789abcdef";
-    for (const char character : message) {
+    for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
         if (byte < 0x20 || byte == 0x7f) {
             line += "\\x";
@@ -149,8 +149,11 @@ void Tmr_LogFile::Log(const char* format, ...)
         message.remove_suffix(1);
     }
     std::string line;
-    line.append("[").append(std::to_string(announced.level)).append("] ").append(announced.functionName);
-    line.append(" (").append(announced.sourceFile).append(":").append(std::to_string(announced.line)).append(") ");
+    line.append("[").append(std::to_string(announced.level)).append("] ");
+    AppendEscaped(line, announced.functionName);
+    line.append(" (");
+    AppendEscaped(line, announced.sourceFile);
+    line.append(":").append(std::to_string(announced.line)).append(") ");
     AppendEscaped(line, message);
     writer->logger.log(spdlog::level::info, spdlog::string_view_t(line));
 }

@@ -46,7 +46,13 @@ DatabaseAddress DatabaseAddressOf(const std::string& connectionText, unsigned ti
         if (!BeginsWithKey(settings)) {
             throw std::runtime_error("write postgresql://host=... dbname=... user=..., not user@host/database");
         }
-        return {true, (timeoutSeconds != 0 ? "connect_timeout=" + timeout + " " : "") + settings};
+        if (settings.find("singlerow") != std::string::npos) {
+            throw std::runtime_error("leave out singlerow: an answer that breaks off would look like a whole one");
+        }
+        // Else the environment could have names converted on their way, into those of other users or of nobody.
+        const std::string encoding = "client_encoding=UTF8 ";
+        const std::string limits = "connect_timeout=" + timeout + " tcp_user_timeout=" + timeout + "000 ";
+        return {true, encoding + (timeoutSeconds != 0 ? limits : "") + settings};
     }
     throw std::runtime_error("the connection text must begin with sqlite3:// or postgresql://");
 }

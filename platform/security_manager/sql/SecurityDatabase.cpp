@@ -4,19 +4,17 @@
 #include "platform/security_manager/sql/SecurityDatabase.h"
 
 #include "platform/logging/Tmr_LogFile.h"
+#include "platform/security_manager/sql/AllowedTexts.h"
 #include "platform/security_manager/sql/ConnectionText.h"
+#include "platform/security_manager/sql/DatabaseAccess.h"
+#include "platform/security_manager/sql/TimeLimit.h"
 
-#include <soci/soci.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
-
-// Declared here, for the headers that declare them ask for the development files of each database's client.
-extern "C" {
-const soci::backend_factory* factory_sqlite3();
-const soci::backend_factory* factory_postgresql();
-}
+#include <string_view>
 
 namespace {
 
@@ -25,20 +23,16 @@ constexpr int moduleNumber = 198;
 
 enum Section : long long { userSection = 0, attributeSection = 1, permissionSection = 2 };
 
+constexpr std::string_view ownValue = "%my%";
+
 constexpr const char* userRows =
     "SELECT 0, 0, group_name, CAST(NULL AS TEXT), 0, 0 FROM security_user WHERE user_name = :user"
     " UNION ALL "
     "SELECT 1, 0, attribute_name, attribute_value, 0, 0 FROM security_attribute WHERE user_name = :user";
 
-// SQLite keeps whatever was written into a number column, so what is no whole number of 32 bits becomes -1
-// here and a fault below; a condition that is anything but 0 is one, for a condition grants less.
 std::string PermissionRows(const char* granteeType, const char* grantee)
 {
-    return std::string("SELECT 2, position, permission_name, resource,"
-                       " CASE WHEN permission_value BETWEEN 0 AND 4294967295"
-                       " AND CAST(permission_value AS BIGINT) = permission_value THEN permission_value ELSE -1 END,"
-                       " CASE WHEN is_conditional = 0 THEN 0 ELSE 1 END"
-                       " FROM security_permission WHERE grantee_type = '") +
+    return std::string("SELECT 2, ") + permissionColumns + " FROM security_permission WHERE grantee_type = '" +
            granteeType + "' AND grantee = " + grantee;
 }
 
@@ -51,56 +45,28 @@ std::string GrantedTo(const char* user, const char* group)
 constexpr const char* groupOfUser = "(SELECT group_name FROM security_user WHERE user_name = :user)";
 constexpr const char* inOrder = " ORDER BY 1, 2";
 
-struct Row {
-    long long section = 0;
-    long long position = 0;
-    std::string name;
-    soci::indicator nameIndicator = soci::i_null;
-    std::string text; // what the row before it left there, when this one is null
-    soci::indicator textIndicator = soci::i_null;
-    long long value = 0;
-    int isConditional = 0;
-};
-
-// The backends are linked, not looked for by SOCI when a text names them: a library that SOCI opens by itself could not
-// be unloaded with ours.
-soci::connection_parameters ParametersOf(const std::string& connectionText, unsigned timeout)
-{
-    const DatabaseAddress address = DatabaseAddressOf(connectionText, timeout);
-    return {address.isPostgreSql ? *factory_postgresql() : *factory_sqlite3(), address.settings};
-}
-
-// Databases explain themselves in several lines.
-std::string OneLine(std::string text)
-{
-    text.erase(text.find_last_not_of(" \n") + 1);
-    std::replace_if(
-        text.begin(), text.end(), [](char character) { return character == '\n' || character == '\t'; }, ' ');
-    return text;
-}
-
 } // namespace
 
 class SecurityDatabase::Connection {
 public:
     Connection(const std::string& connectionText, unsigned timeout)
         : session(ParametersOf(connectionText, timeout)), userWithPermissions(session), user(session),
-          permissions(session)
+          permissions(session), timeLimit(session, timeout)
     {
-        if (timeout != 0 && session.get_backend_name() == "postgresql") {
-            session << "SET statement_timeout = " << timeout * 1000;
-        }
         permissions.exchange(soci::use(groupName, "group"));
-        Prepare(permissions, GrantedTo(":user", ":group") + inOrder);
-        Prepare(user, std::string(userRows) + inOrder);
-        Prepare(userWithPermissions, userRows + (" UNION ALL " + GrantedTo(":user", groupOfUser)) + inOrder);
+        timeLimit.Keep([this, timeout] {
+            SetUp(session, timeout);
+            Prepare(permissions, GrantedTo(":user", ":group") + inOrder);
+            Prepare(user, std::string(userRows) + inOrder);
+            Prepare(userWithPermissions, userRows + (" UNION ALL " + GrantedTo(":user", groupOfUser)) + inOrder);
+        });
     }
 
     // Tables, columns and rights show only when a statement runs; what it finds is the requests' business.
     void TryStatements()
     {
         for (soci::statement* statement : {&userWithPermissions, &user, &permissions}) {
-            statement->execute();
+            Execute(*statement);
             while (statement->fetch()) {
             }
         }
@@ -118,7 +84,7 @@ public:
         groupName = group;
         userName = name;
         std::vector<PermissionBase> found;
-        permissions.execute();
+        Execute(permissions);
         while (permissions.fetch()) {
             found.push_back(Permission());
         }
@@ -130,19 +96,22 @@ private:
     {
         userName = name;
         std::optional<SecurityUser> found;
-        statement.execute();
+        Execute(statement);
         while (statement.fetch()) {
-            if (row.section == userSection) {
+            if (section == userSection) {
                 if (found) {
                     throw std::runtime_error("the user '" + name + "' has more than one row in security_user");
                 }
-                found.emplace().groupName = Checked(row.name, row.nameIndicator);
+                found.emplace().groupName = row.name.At({"security_user", name});
             } else if (!found) {
                 continue; // attributes and permissions of a name that is no user's
-            } else if (row.section == attributeSection) {
-                const std::string& attribute = Checked(row.name, row.nameIndicator);
-                if (!found->attributes.emplace(attribute, Checked(row.text, row.textIndicator)).second) {
-                    throw std::runtime_error(Place() + " holds two values of '" + attribute + "'");
+            } else if (section == attributeSection) {
+                const RowPlace place{"security_attribute", name};
+                const std::string& attribute = row.name.At(place);
+                const std::string& value = row.resource.At(place);
+                allowedAttributes.Require(value, place);
+                if (!found->attributes.emplace(attribute, value).second) {
+                    throw std::runtime_error(place.Text() + " holds two values of '" + attribute + "'");
                 }
             } else {
                 found->permissions.push_back(Permission());
@@ -151,64 +120,46 @@ private:
         return found;
     }
 
-    // The row that is being read, as an administrator finds it.
-    std::string Place() const
-    {
-        switch (row.section) {
-        case userSection:
-            return "security_user of '" + userName + "'";
-        case attributeSection:
-            return "security_attribute of '" + userName + "'";
-        default:
-            return "the row of security_permission at position " + std::to_string(row.position);
-        }
-    }
-
-    // The interfaces hand texts out up to their first NUL; cut short they would be other names and other resources.
-    const std::string& Checked(const std::string& column, soci::indicator indicator) const
-    {
-        if (indicator == soci::i_null) {
-            throw std::runtime_error(Place() + " holds NULL where a text must stand");
-        }
-        if (column.find('\0') != std::string::npos) {
-            throw std::runtime_error(Place() + " holds a text with a NUL byte; remove it");
-        }
-        return column;
-    }
-
     PermissionBase Permission() const
     {
-        if (row.value < 0) {
-            throw std::runtime_error(Place() + " has a permission_value that is no whole number from 0 to 4294967295");
+        PermissionBase permission = row.Permission();
+        // The user's own value is an attribute, which has a rule of its own.
+        if (permission.resource() != nullptr && permission.resource() != ownValue) {
+            allowedResources.Require(permission.resource(), {"security_permission", {}, row.position});
         }
-        const bool hasResource = row.textIndicator != soci::i_null;
-        return {Checked(row.name, row.nameIndicator).c_str(), static_cast<unsigned>(row.value),
-                hasResource ? Checked(row.text, row.textIndicator).c_str() : nullptr, row.isConditional != 0};
+        return permission;
     }
 
     void Prepare(soci::statement& statement, const std::string& sql)
     {
-        statement.exchange(soci::into(row.section));
-        statement.exchange(soci::into(row.position));
-        statement.exchange(soci::into(row.name, row.nameIndicator));
-        statement.exchange(soci::into(row.text, row.textIndicator));
-        statement.exchange(soci::into(row.value));
-        statement.exchange(soci::into(row.isConditional));
+        statement.exchange(soci::into(section));
+        row.Bind(statement);
         statement.exchange(soci::use(userName, "user"));
         statement.alloc();
         statement.prepare(sql);
         statement.define_and_bind();
     }
 
+    // What it finds is here when this returns: fetching waits for no server.
+    void Execute(soci::statement& statement)
+    {
+        timeLimit.Keep([&statement] { statement.execute(); });
+    }
+
+    const AllowedTexts allowedResources{"SECM_ALLOWED_RESOURCES"};
+    const AllowedTexts allowedAttributes{"SECM_ALLOWED_ATTRIBUTES"};
+
     // What the statements are bound to.
     std::string userName;
     std::string groupName;
-    Row row;
+    long long section = 0;
+    PermissionRow row; // of the user, the name is the group's; of an attribute, the resource is its value
 
     soci::session session;
     soci::statement userWithPermissions;
     soci::statement user;
     soci::statement permissions;
+    TimeLimit timeLimit; // before the statements go, which take leave of the server
 };
 
 SecurityDatabase::SecurityDatabase(std::string connectionText, unsigned timeout)
@@ -216,11 +167,24 @@ SecurityDatabase::SecurityDatabase(std::string connectionText, unsigned timeout)
 {
 }
 
-SecurityDatabase::~SecurityDatabase() = default;
+SecurityDatabase::~SecurityDatabase()
+{
+    LeaveToParent();
+}
+
+// A process that was forked shares its parent's connections, and would end them for both.
+void SecurityDatabase::LeaveToParent()
+{
+    if (process != getpid()) {
+        connection.release();
+        process = getpid();
+    }
+}
 
 template <class Question>
 auto SecurityDatabase::Ask(const char* name, Question question)
 {
+    LeaveToParent();
     const char* step = "connecting";
     try {
         if (!connection) {
@@ -228,12 +192,9 @@ auto SecurityDatabase::Ask(const char* name, Question question)
         }
         step = name;
         return question(*connection);
-    } catch (const soci::soci_error& error) {
-        connection.reset();
-        throw std::runtime_error(std::string(step) + ": " + OneLine(error.get_error_message()));
     } catch (const std::runtime_error& error) {
         connection.reset();
-        throw std::runtime_error(std::string(step) + ": " + error.what());
+        throw std::runtime_error(std::string(step) + ": " + ReasonOf(error));
     } catch (...) {
         connection.reset();
         throw;

@@ -4,13 +4,17 @@
 
 #include "platform/security_manager/sql/SecurityUser.h"
 
+#include <sys/types.h>
+#include <unistd.h>
+
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 /// One connection, used by one thread at a time. A question that fails throws std::runtime_error, whose text
-/// begins with the question's name, and drops the connection; the next question connects again.
+/// begins with the question's name, and drops the connection; the next question connects again, as does the first
+/// one in a process that was forked.
 class SecurityDatabase {
 public:
     /// Connects and tries every statement. Null when that fails or `mode` is not "nonsecure"; the reason is
@@ -36,7 +40,10 @@ private:
     template <class Question>
     auto Ask(const char* name, Question question);
 
+    void LeaveToParent();
+
     std::string text;
     unsigned timeoutSeconds;
+    pid_t process = getpid(); // whose the connection is
     std::unique_ptr<Connection> connection;
 };

@@ -1,0 +1,139 @@
+// A security database as a whole, row by row.
+#include "platform/security_manager/SECM_Listing.h"
+
+#include "platform/security_manager/sql/ConnectionText.h"
+#include "platform/security_manager/sql/DatabaseAccess.h"
+#include "platform/security_manager/sql/TimeLimit.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t pageSize = 1000;
+
+class SqlListing final : public SECM_ListingInterface {
+public:
+    SqlListing(const std::string& connectionText, unsigned timeoutSeconds)
+        : session(ParametersOf(connectionText, timeoutSeconds)), timeLimit(session, timeoutSeconds)
+    {
+        timeLimit.Keep([&] { SetUp(session, timeoutSeconds); });
+    }
+
+    void ForEachUser(const std::function<void(const std::string&)>& handle) override
+    {
+        TextColumn name;
+        const Statement byName{"SELECT user_name FROM security_user", "user_name > :last", "user_name"};
+        ReadPages<std::string>(
+            "listing the users", byName, handle,
+            [&](soci::statement& page) { page.exchange(soci::into(name.text, name.indicator)); },
+            [&](soci::statement& page, const std::string& last) { page.exchange(soci::use(last, "last")); },
+            [&] {
+                return name.At({"security_user", name.text});
+            });
+    }
+
+    void ForEachGrant(const std::function<void(const SECM_Grant&)>& handle) override
+    {
+        PermissionRow row;
+        TextColumn granteeType;
+        TextColumn grantee;
+        const Statement byPosition{std::string("SELECT ") + permissionColumns +
+                                       ", grantee_type, grantee FROM security_permission",
+                                   "position > :last", "position"};
+        ReadPages<SECM_Grant>(
+            "listing the permissions", byPosition, handle,
+            [&](soci::statement& page) {
+                row.Bind(page);
+                page.exchange(soci::into(granteeType.text, granteeType.indicator));
+                page.exchange(soci::into(grantee.text, grantee.indicator));
+            },
+            [&](soci::statement& page, const SECM_Grant& last) { page.exchange(soci::use(last.position, "last")); },
+            [&]() -> SECM_Grant {
+                const RowPlace place{"security_permission", {}, row.position};
+                return {row.position, granteeType.At(place) == "group", grantee.At(place), row.Permission()};
+            });
+    }
+
+    void ForEachAttribute(const std::function<void(const SECM_Attribute&)>& handle) override
+    {
+        TextColumn user;
+        TextColumn name;
+        TextColumn value;
+        const Statement byUser{"SELECT user_name, attribute_name, attribute_value FROM security_attribute",
+                               "(user_name, attribute_name) > (:lastUser, :lastName)", "user_name, attribute_name"};
+        ReadPages<SECM_Attribute>(
+            "listing the attributes", byUser, handle,
+            [&](soci::statement& page) {
+                for (TextColumn* column : {&user, &name, &value}) {
+                    page.exchange(soci::into(column->text, column->indicator));
+                }
+            },
+            [&](soci::statement& page, const SECM_Attribute& last) {
+                page.exchange(soci::use(last.userName, "lastUser"));
+                page.exchange(soci::use(last.name, "lastName"));
+            },
+            [&]() -> SECM_Attribute {
+                const RowPlace place{"security_attribute", user.text};
+                return {user.At(place), name.At(place), value.At(place)};
+            });
+    }
+
+private:
+    struct Statement {
+        std::string select;
+        std::string behindLast;
+        std::string order;
+    };
+
+    // By pages, each behind the last row of the one before: a statement that stayed open while a long list is worked
+    // on would keep others from writing, and some databases would send all of it at once. A page is whole before its
+    // rows are handled, for which there is no time limit.
+    template <class Row, class BindRow, class BindLast, class TakeRow>
+    void ReadPages(const char* name, const Statement& statement, const std::function<void(const Row&)>& handle,
+                   BindRow bindRow, BindLast bindLast, TakeRow takeRow)
+    {
+        const std::string page = " ORDER BY " + statement.order + " LIMIT " + std::to_string(pageSize);
+        std::vector<Row> rows;
+        do {
+            const std::vector<Row> before = std::move(rows);
+            rows.clear();
+            try {
+                timeLimit.Keep([&] {
+                    soci::statement select(session);
+                    bindRow(select);
+                    if (!before.empty()) {
+                        bindLast(select, before.back());
+                    }
+                    select.alloc();
+                    select.prepare(statement.select + (before.empty() ? "" : " WHERE " + statement.behindLast) + page);
+                    select.define_and_bind();
+                    select.execute();
+                    while (select.fetch()) {
+                        rows.push_back(takeRow());
+                    }
+                });
+            } catch (const std::runtime_error& error) {
+                throw std::runtime_error(std::string(name) + ": " + ReasonOf(error));
+            }
+            std::for_each(rows.begin(), rows.end(), handle);
+        } while (rows.size() == pageSize);
+    }
+
+    soci::session session;
+    TimeLimit timeLimit;
+};
+
+} // namespace
+
+std::unique_ptr<SECM_ListingInterface> openSECM_Listing(const char* connectionText, unsigned timeoutSeconds)
+{
+    const std::string text = connectionText != nullptr ? connectionText : "";
+    try {
+        return std::make_unique<SqlListing>(text, std::min(timeoutSeconds, longestTimeoutSeconds));
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error("the security database '" + WithoutSecrets(text, text) +
+                                 "' cannot be used: " + WithoutSecrets(text, ReasonOf(error)));
+    }
+}
