@@ -10,7 +10,7 @@
 #include <memory>
 #include <stdexcept>
 
-void AddHostOptions(CLI::App& command, HostOptions& options)
+void AddHostOptions(CLI::App& command, HostOptions& options, HostNeeds needs)
 {
     AddOption(command, "-c,--config", options.configuration, "The configuration: a TOML file, or a folder of them")
         ->envname("CFG_REPOSITORY")
@@ -20,10 +20,10 @@ void AddHostOptions(CLI::App& command, HostOptions& options)
               "The security database: sqlite3://db=FILE or postgresql://host=... dbname=...")
         ->envname("SECM_CONNECTION")
         ->type_name("CONNECT")
-        ->required();
+        ->required(needs.securityDatabase);
     AddOption(command, "-r,--repository", options.repository, "The repository of the configuration to ask")
         ->type_name("NAME")
-        ->required();
+        ->required(needs.repository);
     AddOption(command, "--timeout", options.timeoutSeconds, "Limit for connecting and for each statement, in seconds")
         ->type_name("SECONDS");
     AddOption(command, "--log-level", options.logLevel, "Log this level and below: 3 failures ... 7 traces")
@@ -43,12 +43,15 @@ void ApplyHostOptions(const HostOptions& options)
         setenv("TMR_LOG_FILE", options.logFile->c_str(), replaceExisting);
     }
 
-    const CFG_RepositoryServices* root = CFG_Factory::GetRepositoryServices();
-    if (root == nullptr) {
+    if (CFG_Factory::GetRepositoryServices() == nullptr) {
         throw std::runtime_error("no configuration: the path given to --config is empty");
     }
-    const std::unique_ptr<CFG_RepositoryServices> repository(
-        root->GetSubTree(RWCString(configuration_paths::repositories + options.repository)));
+}
+
+void RequireRepository(const HostOptions& options)
+{
+    const std::unique_ptr<CFG_RepositoryServices> repository(CFG_Factory::GetRepositoryServices()->GetSubTree(
+        RWCString(configuration_paths::repositories + options.repository)));
     if (!repository) {
         throw std::runtime_error(options.configuration + ": there is no repository '" + options.repository +
                                  "'; correct --repository, or add its table under [zarvona.system.applications."

@@ -17,10 +17,20 @@ struct HostOptions {
     std::optional<std::string> logFile;
 };
 
-/// Adds the options to `command`; `options` must live until it has been parsed.
-void AddHostOptions(CLI::App& command, HostOptions& options);
+/// What a command cannot do without; the configuration always.
+struct HostNeeds {
+    bool securityDatabase = true;
+    bool repository = true;
+};
 
-/// Hands the options on to the platform layers, by their environment variables, and makes sure that the
-/// configuration has the repository: the module would go on with empty settings. Call it before anything else
-/// of the platform. Throws std::runtime_error, and CFG_Error when the configuration cannot be used.
+/// Adds the options to `command`; `options` must live until it has been parsed.
+void AddHostOptions(CLI::App& command, HostOptions& options, HostNeeds needs = {});
+
+/// Hands the options on to the platform layers, by their environment variables, and makes sure that there is a
+/// configuration. Call it before anything else of the platform. Throws std::runtime_error, and CFG_Error when the
+/// configuration cannot be used.
 void ApplyHostOptions(const HostOptions& options);
+
+/// Makes sure that the configuration in force, which `options` name, has the repository: the module would go on with
+/// empty settings. Throws std::runtime_error.
+void RequireRepository(const HostOptions& options);

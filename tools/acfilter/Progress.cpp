@@ -17,8 +17,8 @@ bool OutputIsFile()
 
 } // namespace
 
-Progress::Progress()
-    : isWanted(isatty(STDERR_FILENO) != 0 && OutputIsFile()),
+Progress::Progress(bool answersAppear)
+    : isWanted(isatty(STDERR_FILENO) != 0 && (!answersAppear || OutputIsFile())),
       nextUpdate(std::chrono::steady_clock::now() + updateInterval)
 {
 }

@@ -3,11 +3,11 @@
 
 #include <chrono>
 
-/// Silent unless standard error is a terminal and standard output a file. The line is gone when the object
-/// is.
+/// Silent unless standard error is a terminal and the answers do not appear on it: they wait for the end or go to a
+/// file of their own (`answersAppear` is false), or standard output is a file. The line is gone when the object is.
 class Progress {
 public:
-    Progress();
+    explicit Progress(bool answersAppear = true);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;

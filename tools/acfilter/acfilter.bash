@@ -1,17 +1,23 @@
 # Bash completion for acfilter.
 _acfilter() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local options="--config --security --repository --users-from --ip --no-login --format --timeout --log-level
-        --log-file --help"
+    local options="--config --security --repository --ip --no-login --format --timeout --log-level --log-file --help"
+    case ${COMP_WORDS[1]} in
+    filter) options+=" --users-from" ;;
+    report) options+=" --users-from --output --values --full" ;;
+    diff) options+=" --to --to-security --users-from --excluding --full --strict" ;;
+    explain) options+=" --full --attribute --grant --revoke" ;;
+    check) options+=" --strict" ;;
+    esac
     if [ "$COMP_CWORD" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W "filter --help --version" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "filter explain check report diff --help --version" -- "$current")
         return
     fi
     case $previous in
-    -c | --config | --log-file | --users-from) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
-    --format) mapfile -t COMPREPLY < <(compgen -W "text json" -- "$current") ;;
+    -c | --config | --to | --log-file | --users-from | --output) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
+    --format) mapfile -t COMPREPLY < <(compgen -W "text json$([ "${COMP_WORDS[1]}" != report ] || echo " csv html")" -- "$current") ;;
     --log-level) mapfile -t COMPREPLY < <(compgen -W "3 6 7" -- "$current") ;;
-    -s | --security) mapfile -t COMPREPLY < <(compgen -W "sqlite3://db= postgresql://host=" -- "$current") ;;
+    -s | --security | --to-security) mapfile -t COMPREPLY < <(compgen -W "sqlite3://db= postgresql://host=" -- "$current") ;;
     *) [[ $current != -* ]] || mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current") ;;
     esac
 }

@@ -1,33 +1,25 @@
 // The command line: parses and dispatches.
+#include "tools/acfilter/CheckCommand.h"
+#include "tools/acfilter/DiffCommand.h"
+#include "tools/acfilter/ExitStatus.h"
+#include "tools/acfilter/ExplainCommand.h"
 #include "tools/acfilter/FilterCommand.h"
+#include "tools/acfilter/Printable.h"
+#include "tools/acfilter/ReportCommand.h"
 #include "tools/acfilter/TextOption.h"
 
 #include <CLI/CLI.hpp>
 
-#include <array>
 #include <cstdio>
 #include <exception>
 #include <string>
 
 namespace {
 
-enum ExitStatus : int { done = 0, failed = 1, wrongCommandLine = 2 };
-
-// One line, whatever names the message quotes: control characters are shown and never sent to the terminal.
-std::string Message(const char* text)
+// One line, whatever names the message quotes.
+std::string Message(const std::string& text)
 {
-    std::string message = "acfilter: ";
-    for (; *text != '\0'; ++text) {
-        const auto byte = static_cast<unsigned char>(*text);
-        if (byte < 0x20 || byte == 0x7f) {
-            std::array<char, 5> escaped{};
-            std::snprintf(escaped.data(), escaped.size(), "\\x%02x", static_cast<unsigned>(byte));
-            message += escaped.data();
-        } else {
-            message += *text;
-        }
-    }
-    return message + "\n";
+    return "acfilter: " + Printable(text) + "\n";
 }
 
 } // namespace
@@ -40,12 +32,17 @@ int main(int argc, char** argv)
     app.failure_message([](const CLI::App*, const CLI::Error& error) {
         return Message(error.what()) + "Run with --help for more information.\n";
     });
+    ExitStatus status = done;
     AddFilterCommand(app);
+    AddExplainCommand(app);
+    AddCheckCommand(app, status);
+    AddReportCommand(app);
+    AddDiffCommand(app, status);
 
     const auto isNamed = [&](const CLI::App* command) { return command->check_name(argv[1]); };
     if (argc > 1 && argv[1][0] != '-' && app.get_subcommands(isNamed).empty()) {
         const std::string message = std::string("there is no command '") + argv[1] + "'; see acfilter --help";
-        std::fputs(Message(message.c_str()).c_str(), stderr);
+        std::fputs(Message(message).c_str(), stderr);
         return wrongCommandLine;
     }
     try {
@@ -60,5 +57,5 @@ int main(int argc, char** argv)
         std::fputs(Message(error.what()).c_str(), stderr);
         return failed;
     }
-    return done;
+    return status;
 }

@@ -1,0 +1,66 @@
+// Whether a user sees more or less under other rules. The filters' language is not known, so this is told from the
+// outcome and, field by field, from the values, and only where nothing else makes a difference.
+#pragma once
+
+#include "tools/acfilter/Account.h"
+
+#include <set>
+#include <string>
+#include <vector>
+
+/// Changed: it cannot be told.
+enum class Change { wider, changed, narrower, same };
+
+/// "wider", "changed", "narrower" or "same".
+const char* NameOf(Change change);
+
+struct FieldChange {
+    std::string field;
+    Change change = Change::same;
+    std::string because;              ///< Where the values do not say it: held outright, or why it cannot be told.
+    std::vector<std::string> added;   ///< Values that go into the filter, by a values function where there is one.
+    std::vector<std::string> removed; ///< Likewise.
+};
+
+struct UserChange {
+    std::string user;
+    Answer before;
+    Answer after;
+    Change change = Change::same;
+    std::string because;             ///< Where the fields do not say it.
+    std::vector<FieldChange> fields; ///< That differ.
+};
+
+/// What, besides clauses, makes a filter what it is.
+struct FilterLanguage {
+    std::string hideAllFilter;
+    std::string filterDelimiter;
+    std::string singleEqualOperator;
+    std::vector<std::string> ofSeveralValues; ///< Operator, delimiter, prefix, suffix.
+};
+
+struct FilterRules {
+    FilterLanguage language;
+    std::vector<std::string> fields; ///< The names of the definitions, in their order.
+};
+
+class AccessComparison {
+public:
+    /// `excludingFields` are those whose templates let through what their values do not name.
+    AccessComparison(FilterRules rulesBefore, FilterRules rulesAfter, std::set<std::string> excludingFields);
+
+    /// Of two answers to one request. The managers that gave them live.
+    UserChange Compare(const Account& before, const Account& after) const;
+
+private:
+    void CompareFields(const Account& before, const Account& after, UserChange& user) const;
+    FieldChange CompareField(const std::string& name, const FieldAccount* before, const FieldAccount* after) const;
+    void CompareClauses(const FieldAccount& before, const FieldAccount& after, FieldChange& field) const;
+    void CompareConditions(const FieldAccount& before, const FieldAccount& after, std::size_t index,
+                           FieldChange& field) const;
+    std::string WhyWrittenOtherwise(const FieldAccount& before, const FieldAccount& after) const;
+
+    FilterRules before;
+    FilterRules after;
+    std::set<std::string> excluding;
+};

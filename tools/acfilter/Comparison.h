@@ -1,0 +1,44 @@
+// Who sees more or less than before, for people and for programs: a summary, then the users by kind.
+#pragma once
+
+#include "tools/acfilter/AccessComparison.h"
+#include "tools/acfilter/OutputFile.h"
+
+#include <array>
+
+/// In the order in which they are told.
+inline constexpr std::array toldChanges = {Change::wider, Change::changed, Change::narrower};
+
+struct ComparisonHead {
+    std::string repository;
+    std::string before; ///< The configurations, as they were asked for.
+    std::string after;
+    bool hasOtherDatabase;
+    std::vector<std::string> excluding;
+};
+
+/// Collects in files what has to wait for the summary, so it takes no memory however many users there are.
+class Comparison {
+public:
+    /// `isFull`: long lists and texts are not cut short for people.
+    Comparison(ComparisonHead comparisonHead, bool forPrograms, bool isFull);
+
+    void Add(const UserChange& user);
+    unsigned long long CountOf(Change change) const { return counts.at(static_cast<std::size_t>(change)); }
+
+    /// Once, at the end. This and Add throw std::runtime_error when something cannot be written.
+    void WriteTo(OutputFile& output);
+
+    const ComparisonHead head;
+
+private:
+    bool isForPrograms;
+    bool areTextsWhole;
+    std::array<unsigned long long, 4> counts{};
+    std::array<Spool, toldChanges.size()> users = {Spool(""), Spool(""), Spool("")};
+};
+
+std::string SummaryText(const Comparison& comparison);
+std::string SummaryJson(const Comparison& comparison);
+std::string UserChangeText(const UserChange& user, bool isFull);
+std::string UserChangeJson(const UserChange& user);

@@ -1,0 +1,37 @@
+// A comparison as programs read it. The keys are documented and stay.
+#include "tools/acfilter/Comparison.h"
+
+#include "tools/acfilter/Json.h"
+
+std::string SummaryJson(const Comparison& comparison)
+{
+    Json object = {{"repository", comparison.head.repository},
+                   {"before", comparison.head.before},
+                   {"after", comparison.head.after},
+                   {"otherSecurityDatabase", comparison.head.hasOtherDatabase},
+                   {"excluding", comparison.head.excluding}};
+    for (const Change change : {Change::wider, Change::changed, Change::narrower, Change::same}) {
+        object[NameOf(change)] = comparison.CountOf(change);
+    }
+    return JsonLine(object);
+}
+
+std::string UserChangeJson(const UserChange& user)
+{
+    Json fields = Json::array();
+    for (const FieldChange& field : user.fields) {
+        fields.push_back({{"field", field.field},
+                          {"change", NameOf(field.change)},
+                          {"because", TextOrNull(field.because)},
+                          {"added", field.added},
+                          {"removed", field.removed}});
+    }
+    return JsonLine({{"user", user.user},
+                     {"change", NameOf(user.change)},
+                     {"because", TextOrNull(user.because)},
+                     {"outcomeBefore", NameOf(user.before.outcome)},
+                     {"outcomeAfter", NameOf(user.after.outcome)},
+                     {"fields", std::move(fields)},
+                     {"filterBefore", user.before.filter},
+                     {"filterAfter", user.after.filter}});
+}

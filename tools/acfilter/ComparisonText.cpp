@@ -1,0 +1,77 @@
+// A comparison as people read it.
+#include "tools/acfilter/Comparison.h"
+
+#include "tools/acfilter/Explanation.h"
+#include "tools/acfilter/Printable.h"
+#include "tools/acfilter/Shortening.h"
+
+namespace {
+
+std::string Line(std::size_t indent, const std::string& label, const std::string& content)
+{
+    constexpr std::size_t labelEnd = 14;
+    const std::size_t used = indent + label.size();
+    return std::string(indent, ' ') + label + std::string(used < labelEnd ? labelEnd - used : 1, ' ') + content + "\n";
+}
+
+std::string Listed(const char* sign, const std::vector<std::string>& values, bool isFull)
+{
+    if (values.empty()) {
+        return {};
+    }
+    return sign + ShortList(
+                      values.size(), [&](std::size_t n) { return Quoted(values[n]); }, isFull);
+}
+
+std::string FieldText(const FieldChange& field, bool isFull)
+{
+    std::string text = NameOf(field.change);
+    text += field.because.empty() ? "" : ", " + field.because;
+    text += Listed(", added ", field.added, isFull) + Listed(", removed ", field.removed, isFull);
+    return Line(3, Printable(field.field), text);
+}
+
+std::string FilterText(const std::string& filter, bool isFull)
+{
+    return filter.empty() ? std::string("(") + noRestriction + ")" : ShortText(filter, isFull);
+}
+
+} // namespace
+
+std::string SummaryText(const Comparison& comparison)
+{
+    const ComparisonHead& head = comparison.head;
+    unsigned long long all = comparison.CountOf(Change::same);
+    std::string kinds;
+    for (const Change change : toldChanges) {
+        all += comparison.CountOf(change);
+        kinds += std::to_string(comparison.CountOf(change)) + " " + NameOf(change) + ", ";
+    }
+    std::string excluding;
+    for (const std::string& field : head.excluding) {
+        excluding += (excluding.empty() ? "" : ", ") + Printable(field);
+    }
+    return Line(0, "Repository", Quoted(head.repository)) + Line(0, "Before", Printable(head.before)) +
+           Line(0, "After", Printable(head.after) + (head.hasOtherDatabase ? ", with another security database" : "")) +
+           Line(0, "Users",
+                std::to_string(all) + ": " + kinds + std::to_string(comparison.CountOf(Change::same)) + " the same") +
+           Line(0, "Assumed", "each further value of a field shows more records, each further field fewer") +
+           (excluding.empty() ? Line(0, "", "(name fields whose values are left out of what is shown: --excluding)")
+                              : Line(0, "", "excluding, so that each further value shows fewer: " + excluding));
+}
+
+std::string UserChangeText(const UserChange& user, bool isFull)
+{
+    const std::string was = NameOf(user.before.outcome);
+    const std::string is = NameOf(user.after.outcome);
+    std::string text = Quoted(user.user) + ": " + (was == is ? is : was + " before, " + is + " now") +
+                       (user.because.empty() ? "" : "; " + user.because) + "\n";
+    for (const FieldChange& field : user.fields) {
+        text += FieldText(field, isFull);
+    }
+    if (user.change == Change::changed) {
+        text += Line(3, "before", FilterText(user.before.filter, isFull)) +
+                Line(3, "now", FilterText(user.after.filter, isFull));
+    }
+    return text;
+}

@@ -1,0 +1,194 @@
+// Both sides answer side by side, user by user. One configuration is in force at a time, so each side's manager is made
+// while its own is; what is made keeps it.
+#include "tools/acfilter/DiffCommand.h"
+
+#include "platform/configuration/CFG_RepositoryServices.h"
+#include "tools/acfilter/Comparison.h"
+#include "tools/acfilter/DefinitionNames.h"
+#include "tools/acfilter/ExplainingManager.h"
+#include "tools/acfilter/Progress.h"
+#include "tools/acfilter/RequestOptions.h"
+#include "tools/acfilter/TextOption.h"
+#include "tools/acfilter/UserSource.h"
+
+#include <memory>
+#include <set>
+
+namespace {
+
+struct DiffOptions {
+    HostOptions host;
+    RequestOptions request;
+    std::string toConfiguration;
+    std::optional<std::string> toSecurityDatabase;
+    std::optional<std::string> usersFrom;
+    std::vector<std::string> excluding;
+    bool isFull = false;
+    bool isStrict = false;
+};
+
+class ComparedManager final : public ExplainingManager {
+public:
+    using ExplainingManager::ExplainingManager;
+
+    FilterLanguage Language() const
+    {
+        return {hideAllFilter,
+                filterDelimiter,
+                singleEqualOperator,
+                {multipleEqualOperator, valueMultiplicityDelimiter, valueMultiplicityPrefix, valueMultiplicitySuffix}};
+    }
+};
+
+class Side {
+public:
+    /// The configuration in force is the side's own.
+    Side(const char* sideName, const HostOptions& host, const std::string& securityOption)
+        : name(sideName), manager(host.repository)
+    {
+        Connect(manager, host, securityOption);
+        rules.language = manager.Language();
+        for (const DefinitionNames& names : NamesOfDefinitions(host.repository)) {
+            rules.fields.push_back(names.field);
+        }
+    }
+
+    Account Explain(const Request& request)
+    {
+        try {
+            return manager.Explain(request);
+        } catch (const std::runtime_error& error) {
+            throw std::runtime_error(name + ": " + error.what());
+        }
+    }
+
+    FilterRules rules;
+
+private:
+    std::string name;
+    ComparedManager manager;
+};
+
+HostOptions HostAfter(const DiffOptions& options)
+{
+    HostOptions host = options.host;
+    host.configuration = options.toConfiguration;
+    host.securityDatabase = options.toSecurityDatabase.value_or(host.securityDatabase);
+    return host;
+}
+
+bool HasOtherDatabase(const DiffOptions& options)
+{
+    return HostAfter(options).securityDatabase != options.host.securityDatabase;
+}
+
+std::unique_ptr<Side> SideBefore(const DiffOptions& options)
+{
+    ApplyHostOptions(options.host);
+    RequireRepository(options.host);
+    return std::make_unique<Side>("before", options.host, "--security");
+}
+
+std::unique_ptr<Side> SideAfter(const DiffOptions& options)
+{
+    const HostOptions host = HostAfter(options);
+    if (host.configuration.empty()) {
+        throw std::runtime_error("no configuration: the path given to --to is empty");
+    }
+    ApplyHostOptions(host);
+    CFG_Factory::Reload();
+    RequireRepository(host);
+    return std::make_unique<Side>("after", host, options.toSecurityDatabase ? "--to-security" : "--security");
+}
+
+void RequireFields(const std::vector<std::string>& fields, const FilterRules& before, const FilterRules& after)
+{
+    std::set<std::string> known(before.fields.begin(), before.fields.end());
+    known.insert(after.fields.begin(), after.fields.end());
+    for (const std::string& field : fields) {
+        if (known.count(field) == 0) {
+            throw std::runtime_error("neither configuration has a field '" + field +
+                                     "' for the repository; correct --excluding");
+        }
+    }
+}
+
+// Everybody whom one of the two sides knows, once.
+template <class Compare>
+void ForEachUserOfBoth(const DiffOptions& options, Compare compare)
+{
+    const HostOptions& host = options.host;
+    ForEachUserOfDatabase(host.securityDatabase, host.timeoutSeconds,
+                          [&](const std::string& name) { compare(name, false); });
+    if (HasOtherDatabase(options)) {
+        ForEachUserOfDatabase(*options.toSecurityDatabase, host.timeoutSeconds,
+                              [&](const std::string& name) { compare(name, true); });
+    }
+}
+
+void CompareUsers(const DiffOptions& options, Comparison& comparison)
+{
+    const std::unique_ptr<Side> before = SideBefore(options);
+    const std::unique_ptr<Side> after = SideAfter(options);
+    RequireFields(options.excluding, before->rules, after->rules);
+    const AccessComparison rules(before->rules, after->rules, {options.excluding.begin(), options.excluding.end()});
+
+    Progress progress(false);
+    const auto compare = [&](const std::string& name, bool onlyIfNew) {
+        const Request request{name, options.request.ipAddress, options.request.withoutLogin};
+        AskFor(name, [&] {
+            const Account old = before->Explain(request);
+            if (!onlyIfNew || old.answer.outcome == Outcome::unknownUser) {
+                comparison.Add(rules.Compare(old, after->Explain(request)));
+                progress.CountOne();
+            }
+        });
+    };
+    if (options.usersFrom) {
+        ForEachUserOfFile(*options.usersFrom, [&](const std::string& name) { compare(name, false); });
+    } else {
+        ForEachUserOfBoth(options, compare);
+    }
+}
+
+void Diff(const DiffOptions& options, ExitStatus& status)
+{
+    RequireUsersFrom(options.usersFrom);
+    OutputFile output({});
+    Comparison comparison({options.host.repository, options.host.configuration, options.toConfiguration,
+                           HasOtherDatabase(options), options.excluding},
+                          options.request.format == "json", options.isFull);
+    CompareUsers(options, comparison);
+    comparison.WriteTo(output);
+    output.Finish();
+    if (comparison.CountOf(Change::wider) != 0 || (options.isStrict && comparison.CountOf(Change::changed) != 0)) {
+        status = wider;
+    }
+}
+
+} // namespace
+
+void AddDiffCommand(CLI::App& app, ExitStatus& status)
+{
+    CLI::App* command =
+        app.add_subcommand("diff", "Tell who would see more or less under another configuration or other permissions");
+    auto options = std::make_shared<DiffOptions>();
+    AddHostOptions(*command, options->host);
+    AddOption(*command, "--to", options->toConfiguration, "The configuration to compare with")
+        ->type_name("PATH")
+        ->required();
+    AddOption(*command, "--to-security", options->toSecurityDatabase,
+              "The security database to compare with; else the same")
+        ->type_name("CONNECT");
+    AddRequestOptions(*command, options->request, "text: for people; json: one object a line, the summary first");
+    AddOption(*command, "--users-from", options->usersFrom,
+              "A file of user names, one a line; - for standard input; else every user of both security databases")
+        ->type_name("FILE");
+    AddOption(*command, "--excluding", options->excluding,
+              "A field whose values are left out of what is shown, so that more of them show less")
+        ->allow_extra_args(false)
+        ->type_name("FIELD");
+    command->add_flag("--full", options->isFull, "Show long lists and texts whole");
+    command->add_flag("--strict", options->isStrict, "Exit with 4 also when it cannot be told of somebody");
+    command->callback([options, &status] { Diff(*options, status); });
+}

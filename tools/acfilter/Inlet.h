@@ -1,0 +1,37 @@
+// Texts from a security database on their way into a template.
+#pragma once
+
+#include "tools/acfilter/CheckedConfiguration.h"
+#include "tools/acfilter/Finding.h"
+
+/// How many, and the first of them.
+struct Tally {
+    void Add(const std::string& one);
+    /// "2 NOUNs OF; the first is ONE"
+    std::string Count(const std::string& noun, const std::string& of = "") const;
+
+    unsigned long long count = 0;
+    std::string first;
+};
+
+/// What goes into one template from one side: as values, or in place of a token. `scope` must live as long.
+class Inlet {
+public:
+    /// Of values, `token` is empty; of what is granted, `attribute`.
+    Inlet(const CheckedScope& scope, const std::string& token, std::string attribute);
+
+    void Look(const std::string& text, const std::string& where);
+    void Tell(Report& report) const; ///< One finding for each kind of trouble, however many texts make it.
+
+private:
+    CheckedManager& manager;
+    const ConditionDefinition& condition;
+    CFG_Place place;
+    bool isToken;
+    std::string placeholder;
+    std::string attributeName;
+    std::string quotes;                  // what stands around the text in the template
+    std::vector<std::string> disturbing; // what the module would look for in the text
+    Tally quoted;
+    Tally disturbed;
+};

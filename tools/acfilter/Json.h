@@ -1,0 +1,19 @@
+// How all commands write JSON.
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+using Json = nlohmann::ordered_json;
+
+/// One object on one line; bytes that are not UTF-8 become U+FFFD.
+inline std::string JsonLine(const Json& object)
+{
+    return object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+inline Json TextOrNull(const std::string& text)
+{
+    return text.empty() ? Json(nullptr) : Json(text);
+}

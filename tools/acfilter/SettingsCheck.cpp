@@ -1,0 +1,119 @@
+// The settings of a repository.
+#include "tools/acfilter/ConfigurationCheck.h"
+
+namespace {
+
+void NothingIsHidden(const CheckedRepository& repository, Report& report)
+{
+    if (repository.manager->hideAllFilter.empty()) {
+        report.Error("AC001", repository.table.PlaceOf("hide_all_filter"), repository.table.Lack("hide_all_filter"),
+                     "users for whom a restriction cannot be written, such as those whom nobody granted a value, get "
+                     "the empty filter and see every record; so does everybody while there is no security manager",
+                     "write a filter that no record matches, such as hide_all_filter = \"1 = 0\"");
+    }
+}
+
+void HiddenLikeUnknown(const CheckedRepository& repository, Report& report)
+{
+    const CheckedManager& manager = *repository.manager;
+    if (!manager.hideAllFilter.empty() && manager.hideAllFilter == manager.defaultFilter) {
+        report.Error("AC002", repository.table.PlaceOf("hide_all_filter"),
+                     "hide_all_filter and default_filter are both '" + manager.hideAllFilter + "'",
+                     "users for whom a restriction cannot be written see what unknown users see, and nobody can tell "
+                     "the two answers apart",
+                     "let hide_all_filter match no record; where unknown users too must see nothing, write the two "
+                     "differently, such as \"1 = 0\" and \"0 = 1\"");
+    }
+}
+
+void NoFields(const CheckedRepository& repository, Report& report)
+{
+    if (repository.manager->fieldDefinitions.empty()) {
+        const bool hasSome = !repository.definitions.empty();
+        report.Error("AC003", repository.table.place,
+                     "the repository '" + repository.name + "' has no field " +
+                         (hasSome ? "that is not left out" : "at all"),
+                     "every user who is known gets the empty filter and sees every record",
+                     hasSome ? "mend its fields (AC004)"
+                             : "add a table fields.FIELD." + repository.name + " for each field that restricts users");
+    }
+}
+
+// Where a kept template holds `placeholder`, in words; empty: none does.
+std::string FirstUse(const CheckedRepository& repository, std::string_view placeholder)
+{
+    for (const CheckedDefinition& definition : repository.definitions) {
+        for (const CheckedCondition& condition : definition.conditions) {
+            if (condition.Has(placeholder)) {
+                return condition.Key("condition") + " of the field '" + definition.field + "'";
+            }
+        }
+    }
+    return "";
+}
+
+void ValuesRunTogether(const CheckedRepository& repository, Report& report)
+{
+    const CheckedManager& manager = *repository.manager;
+    if (manager.valueMultiplicityDelimiter.empty() && manager.valueMultiplicityPrefix.empty() &&
+        manager.valueMultiplicitySuffix.empty() && !FirstUse(repository, valuesPlaceholder).empty()) {
+        report.Error("AC009", repository.table.PlaceOf("value_multiplicity_delimiter"),
+                     repository.table.Lack("value_multiplicity_delimiter") +
+                         ", and so are value_multiplicity_prefix and value_multiplicity_suffix",
+                     "users with two values or more get them run together (A and B as AB): they see other records than "
+                     "they were granted, or none",
+                     "write what stands between two values, such as value_multiplicity_delimiter = \"', '\"");
+    }
+}
+
+void OperatorIsEmpty(const CheckedRepository& repository, const std::string& key, const std::string& users,
+                     const std::string& example, Report& report)
+{
+    const std::string use = FirstUse(repository, equalOperatorPlaceholder);
+    if (!use.empty()) {
+        report.Error("AC010", repository.table.PlaceOf(key),
+                     repository.table.Lack(key) + ", and " + use + " asks for it by %equal_operator%",
+                     "users with " + users +
+                         " get a condition without an operator, which the host most likely cannot run",
+                     "write the operator, such as " + key + " = \"" + example + "\"");
+    }
+}
+
+void OperatorsAreEmpty(const CheckedRepository& repository, Report& report)
+{
+    if (repository.manager->singleEqualOperator.empty()) {
+        OperatorIsEmpty(repository, "single_equal_operator", "one value", "=", report);
+    }
+    if (repository.manager->multipleEqualOperator.empty()) {
+        OperatorIsEmpty(repository, "multiple_equal_operator", "several values", "IN", report);
+    }
+}
+
+void ClausesRunTogether(const CheckedRepository& repository, Report& report)
+{
+    if (repository.manager->filterDelimiter.empty() && repository.manager->fieldDefinitions.size() > 1) {
+        report.Warn("AC020", repository.table.PlaceOf("filter_delimiter"), repository.table.Lack("filter_delimiter"),
+                    "users whom two fields restrict get the two clauses side by side, which few query languages take "
+                    "for AND",
+                    "write what stands between two clauses, such as filter_delimiter = \" AND \"");
+    }
+}
+
+void StrangersSeeEverything(const CheckedRepository& repository, Report& report)
+{
+    if (repository.manager->defaultFilter.empty()) {
+        report.Warn("AC033", repository.table.PlaceOf("default_filter"), repository.table.Lack("default_filter"),
+                    "users whom the security database does not know get the empty filter and see every record",
+                    "write what such users may see, such as default_filter = \"0 = 1\" for nothing");
+    }
+}
+
+} // namespace
+
+void CheckSettings(const CheckedRepository& repository, Report& report)
+{
+    for (const auto rule : {NothingIsHidden, HiddenLikeUnknown, NoFields, ValuesRunTogether, OperatorsAreEmpty,
+                            ClausesRunTogether, StrangersSeeEverything}) {
+        rule(repository, report);
+    }
+}

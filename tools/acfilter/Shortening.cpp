@@ -1,0 +1,38 @@
+#include "tools/acfilter/Shortening.h"
+
+#include "tools/acfilter/Printable.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t shownBytes = 400;
+
+} // namespace
+
+std::string Quoted(const std::string& text)
+{
+    return "'" + Printable(text) + "'";
+}
+
+std::string ShortList(std::size_t count, const std::function<std::string(std::size_t)>& item, bool isFull)
+{
+    const std::size_t shown = isFull ? count : std::min(count, shownItems);
+    std::string list;
+    for (std::size_t index = 0; index < shown; ++index) {
+        list += (index == 0 ? "" : ", ") + item(index);
+    }
+    return shown < count ? list + ", ... " + std::to_string(count) + " in all, --full shows them" : list;
+}
+
+std::string ShortText(const std::string& text, bool isFull)
+{
+    if (isFull || text.size() <= shownBytes) {
+        return Printable(text);
+    }
+    std::size_t end = shownBytes;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80) {
+        --end; // not in the middle of a character
+    }
+    return Printable(text.substr(0, end)) + " ... " + std::to_string(text.size()) + " bytes in all, --full shows them";
+}

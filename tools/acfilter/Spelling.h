@@ -1,0 +1,16 @@
+// What somebody may have meant to write.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// How many characters have to be changed, added or left out to make one text of the other; upper and lower case do not
+/// count.
+std::size_t Distance(std::string_view left, std::string_view right);
+
+/// The one of `names` that `name` was probably meant to be; empty when none is near.
+std::string Nearest(const std::string& name, const std::vector<std::string>& names);
+
+/// A remedy: `otherwise`, behind "did you mean 'NAME'? else " when a name is near.
+std::string DidYouMean(const std::string& name, const std::vector<std::string>& names, const std::string& otherwise);

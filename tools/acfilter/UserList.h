@@ -1,0 +1,13 @@
+// Lists of user names, as administrators write them or other programs pipe them.
+#pragma once
+
+#include <functional>
+#include <istream>
+#include <string>
+
+using UserHandler = std::function<void(const std::string& userName)>;
+
+/// Calls `handle` for each name of `lines`, one after the other: one name a line; LF or CR LF ends it and the last may
+/// lack it; empty lines are passed over. `place` names the list in errors. Throws std::runtime_error at a name that
+/// holds a NUL byte and when `lines` breaks off; what `handle` throws passes through.
+void ForEachLine(std::istream& lines, const std::string& place, const UserHandler& handle);
