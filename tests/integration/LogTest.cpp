@@ -21,7 +21,7 @@ TEST_F(LogTest, WritesMessagesOfAnyLengthWholeFromManyThreads)
         threads.emplace_back([&log, length] {
             for (int n = 0; n < 50; ++n) {
                 EXPECT_EQ(log.StoreParams("source", "Function", 1, 4, 197, 1), 0);
-                EXPECT_NE(log.StoreParams("source", "Function", static_cast<int>(length) + 1, 3, 197, 1), 0);
+                EXPECT_NE(log.StoreParams("C:\\source", "Func\ntion", static_cast<int>(length) + 1, 3, 197, 1), 0);
                 log.Log("%s\n\n", std::string(length, 'l').c_str());
             }
         });
@@ -35,9 +35,9 @@ TEST_F(LogTest, WritesMessagesOfAnyLengthWholeFromManyThreads)
     }
     EXPECT_EQ(counts.size(), 5U);
     for (const std::size_t length : {0U, 511U, 512U, 20000U}) {
-        EXPECT_EQ(
-            counts["[3] Function (source:" + std::to_string(length + 1) + ") " + std::string(length, 'l') + "\\x0a"],
-            50)
+        EXPECT_EQ(counts["[3] Func\\x0ation (C:\\\\source:" + std::to_string(length + 1) + ") " +
+                         std::string(length, 'l') + "\\x0a"],
+                  50)
             << length;
     }
 }

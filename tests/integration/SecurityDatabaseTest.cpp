@@ -3,29 +3,27 @@
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
 #include "platform/security_manager/PermissionListInterface.h"
+#include "platform/security_manager/SECM_Listing.h"
 #include "platform/security_manager/SMADM_Interface.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
 #include "platform/security_manager/UserDetailsInterface.h"
 #include "tests/Permissions.h"
 #include "tests/integration/Workspace.h"
 
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 
 namespace {
 
-class SecurityDatabaseTest : public WorkspaceTest {
-protected:
-    SecurityDatabaseTest()
-    {
-        MakeDatabase("security.db", SampleText("security.sql") + Read(CASES_FOLDER "/logins.sql"));
-        connection = "sqlite3://db=" + Path("security.db");
-    }
+using SecurityDatabaseTest = EngineTest;
 
-    std::string connection;
-};
+ON_BOTH_ENGINES(SecurityDatabaseTest);
 
-TEST_F(SecurityDatabaseTest, LogsInWhoeverTheCallbackNames)
+TEST_P(SecurityDatabaseTest, LogsInWhoeverTheCallbackNames)
 {
     EXPECT_EQ(getSecurityManagerInterface("Test", 1), nullptr);
     SecurityManagerInterface* manager = getSecurityManagerInterface("Test", 0x11010A17);
@@ -67,7 +65,7 @@ TEST_F(SecurityDatabaseTest, LogsInWhoeverTheCallbackNames)
     releaseSecurityManagerInterface(manager);
 }
 
-TEST_F(SecurityDatabaseTest, TellsOfAnyUserByName)
+TEST_P(SecurityDatabaseTest, TellsOfAnyUserByName)
 {
     EXPECT_EQ(getSECM_Interface("Test", 2), nullptr);
     SMADM_Interface* administration = getSECM_Interface("Test", 1);
@@ -82,7 +80,7 @@ TEST_F(SecurityDatabaseTest, TellsOfAnyUserByName)
     releaseSECM_Interface(administration);
 }
 
-TEST_F(SecurityDatabaseTest, ARequestThatMeetsABrokenDatabaseThrowsAndTheNextIsServed)
+TEST_P(SecurityDatabaseTest, ARequestThatMeetsABrokenDatabaseThrowsAndTheNextIsServed)
 {
     Write("archive.toml", SampleText("archive.toml"));
     setenv("CFG_REPOSITORY", Path("archive.toml").c_str(), 1);
@@ -91,16 +89,66 @@ TEST_F(SecurityDatabaseTest, ARequestThatMeetsABrokenDatabaseThrowsAndTheNextIsS
     const std::unique_ptr<SECM_AccessControlInterface> accessControl(
         SECM_AccessControlInterface::CreateInstance(repository));
     ASSERT_TRUE(accessControl->InitSecurityConnection(connection.c_str(), 1));
-    for (const char* breakage :
-         {"ALTER TABLE security_attribute RENAME TO gone", "ALTER TABLE security_permission RENAME TO gone"}) {
+    for (const std::string table : {"security_attribute", "security_permission"}) {
         EXPECT_EQ(accessControl->GetAccessControlFilter("hugo", ""), "department = ('Legal')");
         EXPECT_EQ(accessControl->GetAccessControlFilter("hugo"), "department = ('Legal')");
-        Run("cp security.db whole.db && sqlite3 security.db '" + std::string(breakage) + "'");
+        Sql("ALTER TABLE " + table + " RENAME TO gone");
         EXPECT_THROW(accessControl->GetAccessControlFilter("hugo", ""), std::runtime_error);
         EXPECT_THROW(accessControl->GetAccessControlFilter("hugo"), std::runtime_error);
         EXPECT_THROW(accessControl->GetAccessControlFilter("nobody", ""), std::runtime_error);
-        Run("mv whole.db security.db");
+        Sql("ALTER TABLE gone RENAME TO " + table);
     }
+}
+
+TEST_P(SecurityDatabaseTest, IsListedWholeOverManyPages)
+{
+    Sql(Read(CASES_FOLDER "/many.sql"));
+    const auto listing = openSECM_Listing(connection.c_str(), 5);
+    Lines users, attributes, grants;
+    listing->ForEachUser([&](const std::string& name) { users.push_back(name); });
+    listing->ForEachAttribute([&](const SECM_Attribute& attribute) {
+        attributes.push_back(attribute.userName + "|" + attribute.name + "|" + attribute.value);
+    });
+    listing->ForEachGrant([&](const SECM_Grant& grant) {
+        const char* resource = grant.permission.resource();
+        grants.push_back(std::to_string(grant.position) + (grant.isToGroup ? "|group|" : "|user|") + grant.grantee +
+                         "|" + std::to_string(grant.permission.value()) + (resource != nullptr ? resource : "NULL"));
+    });
+    const auto expectRows = [&](Lines listed, const std::string& statement) {
+        Lines rows = Split(Sql(statement), "\n");
+        rows.pop_back();
+        EXPECT_GT(rows.size(), 2000U);
+        for (Lines* lines : {&listed, &rows}) {
+            std::sort(lines->begin(), lines->end());
+        }
+        EXPECT_TRUE(listed == rows) << statement;
+    };
+    expectRows(users, "SELECT user_name FROM security_user");
+    expectRows(attributes, "SELECT user_name, attribute_name, attribute_value FROM security_attribute");
+    expectRows(grants, "SELECT position, grantee_type, grantee, permission_value || coalesce(resource, 'NULL')"
+                       " FROM security_permission");
+}
+
+TEST_P(SecurityDatabaseTest, AForkedProcessConnectsByItself)
+{
+    SecurityManagerInterface* manager = getSecurityManagerInterface("Test", 0x11010A17);
+    AccessControlCallback callback;
+    callback.userName = "mira";
+    callback.group = callback.secondGroup = "department_staff";
+    ASSERT_TRUE(manager->Initialize(connection.c_str(), 5, "nonsecure", &callback, false));
+    for (const bool asks : {true, false}) {
+        const pid_t child = fork();
+        if (child == 0) {
+            const bool isServed = !asks || manager->Login(&callback, false);
+            releaseSecurityManagerInterface(manager);
+            std::_Exit(isServed ? 0 : 1);
+        }
+        int status = -1;
+        EXPECT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+        EXPECT_TRUE(manager->Login(&callback, false));
+    }
+    releaseSecurityManagerInterface(manager);
 }
 
 TEST(PermissionBaseTest, SurvivesSerialization)

@@ -35,6 +35,15 @@ protected:
             operation == "value" ? root->GetValue(argument, "absent") : root->GetValueByPath(argument);
         return {value.data(), value.length()};
     }
+
+    static std::string Repeated(std::size_t count, const std::string& piece)
+    {
+        std::string text;
+        while (count-- > 0) {
+            text += piece;
+        }
+        return text;
+    }
 };
 
 TEST_F(TomlRepositoryTest, Answers)
@@ -46,7 +55,8 @@ TEST_F(TomlRepositoryTest, Answers)
     Write("folder/notes.toml.bak", "no toml");
     Write("folder/values.toml",
           "text = \" a \"\nbig = 4294967295\nlow = -2147483648\ndigits = \"0042\"\nminus = \"-1\"\n"
-          "over = \"4294967296\"\nplus = \"+1\"\nunder = \"-2147483649\"\nblank = \"1 \"\nempty = \"\"\n");
+          "over = \"4294967296\"\nplus = \"+1\"\nunder = \"-2147483649\"\nblank = \"1 \"\nempty = \"\"\n"
+          "letters = \"\"\"\\\n  \xC3\xA4\"\"\"\n");
     std::filesystem::create_directory(Path("folder/sub.toml"));
     Load("folder");
     for (const Lines& row : CaseRows("configuration_reads.txt")) {
@@ -56,6 +66,19 @@ TEST_F(TomlRepositoryTest, Answers)
     const std::unique_ptr<CFG_RepositoryServices> same(node->GetSubTree(""));
     EXPECT_STREQ(same->GetValueByPath("deep\\v"), "1");
     EXPECT_EQ(node->GetSubTree("k"), nullptr);
+}
+
+TEST_F(TomlRepositoryTest, CountsNestingBeforeTheParserWould)
+{
+    const std::string noNames = Repeated(300, ".[{");
+    Write("c.toml", "t = \"\\\"" + noNames + "\" # \"\nu = '''\n'" + noNames + "''''\n# \"" + noNames + "\n" +
+                        Repeated(199, "a.") + "b = 1\n[" + Repeated(98, "c.") + "c]\n" + Repeated(100, "d.") + "d = 1");
+    Load("c.toml");
+    EXPECT_EQ(Ask("value", "t"), "\"" + noNames);
+    EXPECT_EQ(Ask("value", "u"), "'" + noNames + "'");
+    EXPECT_EQ(Ask("path", Repeated(199, "a\\") + "b"), "1");
+    Write("c.toml", Repeated(1000000, "a.") + "a = 1");
+    EXPECT_THROW(Load("c.toml"), CFG_Error);
 }
 
 TEST_F(TomlRepositoryTest, AReloadIsAllOrNothing)

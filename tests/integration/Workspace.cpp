@@ -25,6 +25,15 @@ WorkspaceTest::~WorkspaceTest()
     std::filesystem::remove_all(folder);
 }
 
+void WorkspaceTest::SetUp()
+{
+    const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+    const std::string name = std::string(test.test_suite_name()) + "." + test.name();
+    if (name.find("PostgreSql") != std::string::npos && !std::filesystem::exists(POSTGRESQL_SERVER)) {
+        GTEST_SKIP() << "no PostgreSQL server; ctest starts it where Debian's postgresql-15 is installed";
+    }
+}
+
 void WorkspaceTest::Write(const std::string& name, const std::string& content) const
 {
     std::filesystem::create_directories(std::filesystem::path(Path(name)).parent_path());
@@ -50,4 +59,26 @@ void WorkspaceTest::MakeDatabase(const std::string& name, const std::string& sta
     Write(name + ".sql", "PRAGMA synchronous = OFF;\nBEGIN;\n" + statements + "\nCOMMIT;\n");
     const Outcome made = Run("sqlite3 -bail '" + name + "' < '" + name + ".sql'");
     ASSERT_EQ(made.status, 0) << made.errors;
+}
+
+const std::string WorkspaceTest::databaseCommands =
+    "server() { command=$1 name=${PWD##*/}-$2; shift 2; " POSTGRESQL " $command " POSTGRESQL_SERVER " $name \"$@\"; }; "
+    "PostgreSql() { server database \"$@\"; }; sql() { server sql \"$@\"; }; "
+    "Sqlite() { name=$1; shift; cat \"$@\" | sqlite3 -bail $name.db && echo sqlite3://db=$PWD/$name.db; }; ";
+
+void EngineTest::SetUp()
+{
+    WorkspaceTest::SetUp();
+    connection = Run(databaseCommands + GetParam() +
+                     " security " SAMPLE_FOLDER "/security.sql " CASES_FOLDER "/logins.sql | tr -d '\\n'")
+                     .output;
+}
+
+std::string EngineTest::Sql(const std::string& statement) const
+{
+    Write("statement.sql", statement);
+    const std::string program = isPostgreSql ? "sql security" : "sqlite3 -bail security.db";
+    const Outcome outcome = Run(databaseCommands + program + " <statement.sql");
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    return outcome.output;
 }

@@ -18,6 +18,9 @@ protected:
     WorkspaceTest();
     ~WorkspaceTest() override;
 
+    /// Skips a test with "PostgreSql" in its name when the server that they share does not run.
+    void SetUp() override;
+
     std::string Path(const std::string& name) const { return (folder / name).string(); }
     void Write(const std::string& name, const std::string& content) const;
     static std::string Read(const std::filesystem::path& path);
@@ -29,5 +32,25 @@ protected:
     /// Makes an SQLite database of these statements.
     void MakeDatabase(const std::string& name, const std::string& statements) const;
 
+    /// For shell commands: `Sqlite NAME FILE...` and `PostgreSql NAME FILE...` make a database of SQL files and print
+    /// its connection text; `sql NAME STATEMENT` runs SQL in the latter.
+    static const std::string databaseCommands;
+
     std::filesystem::path folder;
 };
+
+/// On the sample with logins.sql, in a database of each engine.
+class EngineTest : public WorkspaceTest, public testing::WithParamInterface<const char*> {
+protected:
+    void SetUp() override;
+
+    /// What the engine's own program answers, columns between "|".
+    std::string Sql(const std::string& statement) const;
+
+    const bool isPostgreSql = std::string(GetParam()) == "PostgreSql";
+    std::string connection;
+};
+
+#define ON_BOTH_ENGINES(suite)                                                                                         \
+    INSTANTIATE_TEST_SUITE_P(On, suite, testing::Values("Sqlite", "PostgreSql"),                                       \
+                             [](const auto& engine) { return std::string(engine.param); })

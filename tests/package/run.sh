@@ -71,6 +71,12 @@ for road in --ip=10.0.0.7 --no-login; do
     expect "a security manager of the host's own, put in place by the loader ($road)" "$own" \
         env LD_LIBRARY_PATH="$scratch/own" "$scratch/moved/bin/acfilter" filter -s memory -r documents "$road" ada
 done
+expect "a check with a security manager that lists nothing" "acfilter: the security manager in use cannot list its users, \
+which check needs for --security; leave the option out to check the configuration alone" \
+    env LD_LIBRARY_PATH="$scratch/own" "$scratch/moved/bin/acfilter" check -s memory
+expect "a report with a security manager that lists nothing" \
+    "acfilter: the security manager in use cannot list its users; name them with --users-from" \
+    env LD_LIBRARY_PATH="$scratch/own" "$scratch/moved/bin/acfilter" report -s memory -r documents
 cmake --preset release -B "$scratch/option" -DSECM_SECURITY_MANAGER="$examples/own_security_manager" -DBUILD_TESTING=OFF
 cmake --build "$scratch/option" --target acfilter
 expect "a security manager of the host's own, put in place by the option" "$own" \

@@ -4,11 +4,15 @@
 #include "platform/security_manager/PermissionListInterface.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
 #include "tests/Permissions.h"
+#include "tests/unit/FailingAllocation.h"
 #include "tests/unit/ScriptedPlatform.h"
+#include "tools/acfilter/ExplainingManager.h"
+#include "tools/acfilter/Explanation.h"
 
 #include <algorithm>
 #include <cctype>
 #include <functional>
+#include <initializer_list>
 #include <iterator>
 #include <memory>
 #include <stdexcept>
@@ -51,10 +55,21 @@ public:
         }
     }
 
+    /// The filter that a manager which keeps account of its steps answers to a request.
+    std::string Watched(const std::string& request) const
+    {
+        const bool isByName = request.starts_with("byname");
+        ExplainingManager explaining(manager->repositoryName);
+        explaining.InitSecurityConnection("text", 7);
+        return explaining.Explain({request.substr(isByName ? 7 : 6), "ip", isByName}).answer.filter;
+    }
+
+    bool IsConnected() const { return manager->securityManager != nullptr && manager->adminInterface != nullptr; }
+
     std::string answer;
 
 private:
-    static void Prepare(const std::string& what, const std::string& rest)
+    void Prepare(const std::string& what, const std::string& rest)
     {
         const std::size_t equal = std::min(rest.find('='), rest.size());
         const std::string name = rest.substr(0, equal);
@@ -70,6 +85,12 @@ private:
             script.answers[rest] = false;
         } else if (what == "level") {
             script.logLevel = std::stoi(rest);
+        } else if (what == "try-attribute") {
+            tried.attributes.insert(AttributeFrom(rest).value());
+        } else if (what == "try-grant") {
+            tried.grants.push_back(GrantFrom(rest).value());
+        } else if (what == "try-revoke") {
+            tried.revocations.push_back({rest});
         } else {
             throw std::runtime_error("what is '" + what + "'?");
         }
@@ -159,10 +180,36 @@ private:
         return Joined(parts);
     }
 
+    // By a manager of its own, of the same repository.
+    std::string ExplainedText(const std::string& user, bool withoutLogin) const
+    {
+        ExplainingManager explaining(manager->repositoryName, tried);
+        explaining.InitSecurityConnection("text", 7);
+        Account account = explaining.Explain({user, "ip", withoutLogin});
+        return ExplanationText({manager->repositoryName, std::move(account),
+                                NamesOfDefinitions(manager->repositoryName), explaining.Tried()},
+                               {});
+    }
+
+    // One manager for all that is asked until the next "watch", with what is tried by then.
+    std::string Watch()
+    {
+        watching = std::make_unique<WatchingManager>(manager->repositoryName, tried);
+        return Truth(watching->InitSecurityConnection("text", 7));
+    }
+
+    std::string Asked(const std::string& user, bool withoutLogin) const
+    {
+        const Answer given = watching->Ask({user, "ip", withoutLogin});
+        return NameOf(given.outcome) + Joined({given.filter});
+    }
+
     using Text = const std::string&;
     SecurityManagerInterface* const security = ScriptedSecurityManager();
     SecurityManagerInterface* const nobody = nullptr;
     std::unique_ptr<WatchedManager> manager;
+    std::unique_ptr<WatchingManager> watching;
+    WhatIf tried;
     const std::map<std::string, std::function<std::string(Text)>> commands = {
         {"create", [this](Text name) { return (manager = std::make_unique<WatchedManager>(name)), Definitions(); }},
         {"destroy", [this](Text) { return manager.reset(), ""; }},
@@ -179,6 +226,11 @@ private:
         {"has-admin", [this](Text) { return Truth(manager->adminInterface != nullptr); }},
         {"login", [this](Text user) { return manager->GetAccessControlFilter(user, "ip"); }},
         {"byname", [this](Text user) { return manager->GetAccessControlFilter(user); }},
+        {"explain", [this](Text user) { return ExplainedText(user, false); }},
+        {"explain-byname", [this](Text user) { return ExplainedText(user, true); }},
+        {"watch", [this](Text) { return Watch(); }},
+        {"ask", [this](Text user) { return Asked(user, false); }},
+        {"ask-byname", [this](Text user) { return Asked(user, true); }},
         {"given", [this](Text) { return manager->GetAccessControlFilter(security); }},
         {"given-nobody", [this](Text) { return manager->GetAccessControlFilter(nobody); }},
         {"user-in-callback", [this](Text) { return manager->callback.userName; }},
@@ -209,10 +261,10 @@ std::vector<Lines> Scenarios()
     return scenarios;
 }
 
-// Whichever call to the outside throws, the exception arrives, and the next request is answered as if nothing had been.
+// Whichever call to the outside throws, the exception arrives, and afterwards all is answered as if nothing had been.
 void ExpectFaultsToArrive(Player& player, const std::string& request)
 {
-    const std::string filter = player.answer;
+    const std::string answer = player.answer;
     const int calls = script.calls;
     for (int call = 1; call <= calls; ++call) {
         script.calls = 0;
@@ -220,8 +272,40 @@ void ExpectFaultsToArrive(Player& player, const std::string& request)
         EXPECT_THROW(player.Do(request), std::runtime_error) << request << ", call " << call;
         script.callToFail = 0;
         player.Do(request);
-        EXPECT_EQ(player.answer, filter) << request << " after call " << call;
+        EXPECT_EQ(player.answer, answer) << request << " after call " << call;
     }
+}
+
+// The same for memory, at every allocation on the way.
+void ExpectNoWrongAnswerWithoutMemory(Player& player, const std::string& request)
+{
+    const std::string answer = player.answer;
+    for (long allocation = 1;; ++allocation) {
+        bool isAnswered = false;
+        FailAllocation(allocation);
+        try {
+            player.Do(request);
+            isAnswered = true;
+        } catch (const std::bad_alloc&) {
+        }
+        const bool isTooFew = AllocationHasFailed();
+        FailAllocation(0);
+        ASSERT_TRUE(isAnswered || isTooFew);
+        if (isAnswered) {
+            EXPECT_EQ(player.answer, answer) << request << " with allocation " << allocation << " refused";
+        }
+        if (!isTooFew) {
+            return;
+        }
+        player.Do(request);
+        EXPECT_EQ(player.answer, answer) << request << " after allocation " << allocation;
+    }
+}
+
+bool IsOneOf(const std::string& line, std::initializer_list<const char*> commands)
+{
+    return std::any_of(commands.begin(), commands.end(),
+                       [&](const char* command) { return line.starts_with(command); });
 }
 
 class ScenarioTest : public testing::TestWithParam<Lines> {};
@@ -254,8 +338,12 @@ TEST_P(ScenarioTest, Plays)
             EXPECT_EQ(player.answer, Unescaped(lines[at].substr(std::min<std::size_t>(2, lines[at].size())))) << line;
             ++at;
         }
-        if (line.starts_with("login") || line.starts_with("byname") || line.starts_with("given")) {
+        if (IsOneOf(line, {"create", "connect", "login", "byname", "given", "ask"})) {
             ExpectFaultsToArrive(player, line);
+            ExpectNoWrongAnswerWithoutMemory(player, line);
+        }
+        if (IsOneOf(line, {"login ", "byname "}) && player.IsConnected()) {
+            EXPECT_EQ(player.Watched(line), player.answer) << line;
         }
     }
 }

@@ -7,6 +7,7 @@
 #include "platform/security_manager/SMADM_Interface.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
 #include "platform/security_manager/UserDetailsInterface.h"
+#include "tests/unit/FailingAllocation.h"
 
 #include <algorithm>
 #include <cstdarg>
@@ -29,6 +30,13 @@ bool Outside(const std::string& call, const std::string& question = "")
         throw std::runtime_error(call);
     }
     return script.Answers(question);
+}
+
+// What a destructor does.
+void WriteDown(const char* action, const std::string& object = "")
+{
+    const AllocationsSucceed always;
+    script.journal.push_back(action + object);
 }
 
 std::string Shown(const char* text)
@@ -56,7 +64,7 @@ struct UserDetails : UserDetailsInterface {
 } userDetails;
 
 struct PermissionList : PermissionListInterface {
-    ~PermissionList() override { script.journal.push_back("delete permission list"); }
+    ~PermissionList() override { WriteDown("delete permission list"); }
     const std::vector<PermissionBase>* GetPermissions() override { return &script.permissions; }
 };
 
@@ -129,7 +137,7 @@ struct Administration : SMADM_Interface {
 } administration;
 
 struct NameList : CFG_NameList {
-    ~NameList() override { script.journal.push_back("delete names"); }
+    ~NameList() override { WriteDown("delete names"); }
     const char* GetName(int index) const override { return names.at(static_cast<std::size_t>(index)).c_str(); }
     int GetCount() const override { return static_cast<int>(names.size()); }
     Lines names;
@@ -138,7 +146,7 @@ struct NameList : CFG_NameList {
 // A node is there when something stands below it.
 struct Node : CFG_RepositoryServices {
     explicit Node(std::string nodePath) : path(std::move(nodePath)) {}
-    ~Node() override { script.journal.push_back("delete " + path); }
+    ~Node() override { WriteDown("delete ", path); }
 
     static bool Exists(const std::string& node)
     {
@@ -169,18 +177,17 @@ struct Node : CFG_RepositoryServices {
     CFG_NameList* GetChildNames(const RWCString& relative) const override
     {
         const std::string node = path + relative.data() + (relative.length() != 0 ? "\\" : "");
-        Outside("GetChildNames " + node);
-        if (!Exists(node)) {
+        if (!Outside("GetChildNames " + node, "name lists") || !Exists(node)) {
             return nullptr;
         }
-        auto* list = new NameList;
+        auto list = std::make_unique<NameList>();
         for (const auto& [entry, value] : script.configuration) {
             const Lines names = Split(entry.starts_with(node) ? entry.substr(node.size()) : "", "\\");
             if (names.size() > 1 && (list->names.empty() || list->names.back() != names.front())) {
                 list->names.push_back(names.front());
             }
         }
-        return list;
+        return list.release();
     }
     std::int32_t* GetIntValue(RWCString key) const override
     {
@@ -211,7 +218,7 @@ int Tmr_LogFile::StoreParams(const char* sourceFile, const char* function, int l
     const std::string source = sourceFile;
     messageOrigin = std::to_string(level) + " " + function + ": ";
     if (!function || line <= 0 || module != 197 || number != 1 || !source.starts_with("SECM_AccessControl/") ||
-        std::string(function).rfind(source.substr(source.find('/') + 1), 0) != 0) {
+        !std::string(function).starts_with(source.substr(source.find('/') + 1) + "::")) {
         messageOrigin += "wrong origin ";
     }
     return level <= script.logLevel ? 2 : 0;

@@ -44,8 +44,8 @@ class WatchedManager : public SECM_AccessControlManager {
 public:
     using Base::adminInterface, Base::Base, Base::callback, Base::ClearFieldDefinitions, Base::defaultFilter,
         Base::fieldDefinitions, Base::filterDelimiter, Base::GetAccessControlFilter, Base::hideAllFilter,
-        Base::multipleEqualOperator, Base::ReadConfigurations, Base::RegisterValuesFunction, Base::securityManager,
-        Base::singleEqualOperator, Base::SplitCommaList, Base::valueMultiplicityDelimiter,
+        Base::multipleEqualOperator, Base::ReadConfigurations, Base::RegisterValuesFunction, Base::repositoryName,
+        Base::securityManager, Base::singleEqualOperator, Base::SplitCommaList, Base::valueMultiplicityDelimiter,
         Base::valueMultiplicityPrefix, Base::valueMultiplicitySuffix, Base::valuesFunctionFactories;
 
     WATCHED(std::string, HandleSingleConditionForUser, (const Condition& c, const Lines& v, Details* d), (c, v, d))

@@ -1,0 +1,62 @@
+#!/usr/bin/env bash
+# Opens a report of hostile names in Chromium, without a window: what is shown, that nothing runs, sorting, searching,
+# light and dark, and print.
+# Usage: tests/browser/run.sh BUILD_FOLDER
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+
+acfilter=$(realpath "$1")/bin/acfilter
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+
+expect() { # NAME WANTED GOT
+    if [ "$3" == "$2" ]; then
+        echo "passed: $1"
+    else
+        printf 'FAILED: %s\n' "$1"
+        diff <(echo "$2") <(echo "$3") || true
+    fi
+}
+browse() { # OPTION... FILE: what went wrong on the page stands in $scratch/console
+    rm -rf "$scratch/profile"
+    chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run --disable-background-networking \
+        --disable-component-update --disable-sync --enable-logging=stderr --user-data-dir="$scratch/profile" \
+        "${@:1:$#-1}" "file://${*: -1}" 2>"$scratch/console"
+}
+
+hostile='</title><script>document.title=1</script>'
+sed "s#\.\(documents\)\]#.\"$hostile\"]#; s#fields\.author\.#fields.'<img src=x onerror=\"document.title=2\">'.#" \
+    examples/documents/archive.toml >"$scratch/archive.toml"
+{
+    cat examples/documents/security.sql
+    echo "INSERT INTO security_user VALUES ('<script>document.title=3</script>', 'javascript:alert(1)'),"
+    echo "    ('\" onmouseover=\"document.title=4\" x=\"', '</td></tr></table><h1>gone</h1>'), ('&lt;b&gt;', ''),"
+    echo "    (char(0x202e) || 'nimda', char(0x2066) || 'a' || char(10, 27) || 'b'), ('שלום (admin)', 'board');"
+    echo "INSERT INTO security_permission VALUES (3000, 'user', 'tom', 'archive.department', 1, '<!--<svg onload=x>', 0);"
+} | sqlite3 -bail "$scratch/security.db"
+report=$scratch/report.html
+"$acfilter" report -c "$scratch/archive.toml" -s "sqlite3://db=$scratch/security.db" -r "$hostile" --values \
+    --format html --output "$report"
+
+browse --dump-dom "$report" >"$scratch/dom"
+expect "the page's own style and script are let through" "0 1" \
+    "$(grep -c 'Content Security Policy' "$scratch/console" || true) $(grep -c 'type="search"' "$scratch/dom" || true)"
+
+{ grep -v '^<meta http-equiv="Content-Security-Policy"' "$report"; echo "<script>$(<tests/browser/page.js)</script>"; } \
+    >"$scratch/open.html"
+facts() { browse "$@" --dump-dom "$scratch/open.html" |
+    sed -n '/<pre>/,/<\/pre>/{s/.*<pre>//; s/<\/pre>.*//; s/&lt;/</g; s/&gt;/>/g; s/&amp;/\&/g; p}'; }
+light=$(facts)
+expect "everything hostile is text, and the page sorts and searches" "$(<tests/browser/facts.txt)" "$light"
+expect "light" "page: rgb(255, 255, 255)" "$(tail -n 1 <<<"$light")"
+expect "dark" "page: rgb(20, 24, 29)" "$(facts --blink-settings=preferredColorScheme=0 | tail -n 1)"
+
+seq -f 'user%03g' 100 >"$scratch/users.txt"
+"$acfilter" report -c "$scratch/archive.toml" -s "sqlite3://db=$scratch/security.db" -r "$hostile" --format html \
+    --users-from "$scratch/users.txt" --output "$report"
+browse --print-to-pdf="$scratch/report.pdf" "$report" >"$scratch/dom"
+pages=$(pdftotext -layout "$scratch/report.pdf" - | tr -d '\n' | tr '\f' '\n' | grep -c .)
+pdftotext -layout "$scratch/report.pdf" "$scratch/printed"
+expect "printed, every page has the table's head, and no page the search" "yes $pages 100 0" \
+    "$([ "$pages" -gt 1 ] && echo yes) $(grep -c 'Group.*Outcome.*Filter' "$scratch/printed") \
+$(grep -c 'user[01][0-9][0-9]' "$scratch/printed") $(grep -c Search "$scratch/printed" || true)"

@@ -1,0 +1,225 @@
+// docs/checks.md keeps its word: each wrong example has the finding that it is there for, each right one has none, and
+// the filters below them are those that users get.
+#include "tests/Cases.h"
+#include "tests/integration/Workspace.h"
+
+#include <fstream>
+#include <map>
+#include <ostream>
+#include <random>
+
+using testing::HasSubstr;
+
+namespace {
+
+const std::string acfilter = ACFILTER;
+const std::string documents = SAMPLE_FOLDER "/../../docs/checks.md";
+
+struct Example {
+    std::string toml;
+    std::string sql;
+    std::string filters; // "USER: FILTER", one a line
+};
+
+struct Section {
+    std::string code;
+    std::string severity;
+    std::string text;
+    std::vector<std::pair<std::string, std::string>> blocks; // language and content
+};
+
+// For the names of the tests.
+void PrintTo(const Section& section, std::ostream* output)
+{
+    *output << section.code;
+}
+
+std::vector<Section> ReadSections()
+{
+    std::vector<Section> sections(1);
+    std::ifstream file(documents);
+    bool isInBlock = false;
+    for (std::string line; std::getline(file, line);) {
+        auto& blocks = sections.back().blocks;
+        if (line.starts_with("### AC")) {
+            sections.push_back({line.substr(4, 5), Split(Split(line, ":").at(0), " ").at(2), "", {}});
+        } else if (line.starts_with("```")) {
+            isInBlock = !isInBlock;
+            if (isInBlock) {
+                blocks.emplace_back(line.substr(3), "\n");
+            }
+        } else {
+            (isInBlock ? blocks.back().second : sections.back().text) += line + "\n";
+        }
+    }
+    return sections;
+}
+
+const std::vector<Section> sections = ReadSections();
+
+// What the page shows before the first code: what an example does not show.
+std::string Default(const std::string& language, const std::string& beginning)
+{
+    for (const auto& block : sections.front().blocks) {
+        if (block.first == language && block.second.starts_with("\n" + beginning)) {
+            return block.second;
+        }
+    }
+    throw std::runtime_error("no default that begins with " + beginning);
+}
+
+// The wrong one, and the right one; an example ends with its filters, and shows what differs from the one before.
+std::vector<Example> ExamplesOf(const Section& section)
+{
+    std::vector<Example> examples;
+    Example example;
+    for (const auto& [language, content] : section.blocks) {
+        (language == "toml" ? example.toml : language == "sql" ? example.sql : example.filters) = content;
+        if (language == "text") {
+            examples.push_back(example);
+        }
+    }
+    return examples;
+}
+
+// Table names at their full length.
+std::string Expanded(std::string toml)
+{
+    const std::string applications = "zarvona.system.applications.";
+    const std::string root = applications + "securitymanager.unified_access_control.";
+    for (const auto& [name, before] : std::map<std::string, std::string>{{"repositories", root},
+                                                                         {"fields", root},
+                                                                         {"codes", applications},
+                                                                         {"norvale", applications},
+                                                                         {"sites", "zarvona.system."}}) {
+        Lines parts = Split(toml, "\n[" + name);
+        toml = parts.front();
+        for (auto part = parts.begin() + 1; part != parts.end(); ++part) {
+            toml += "\n[" + before + name + *part;
+        }
+    }
+    return toml;
+}
+
+class CheckTest : public WorkspaceTest {
+protected:
+    void MakeSecurity(const std::string& name, const std::string& grants) const
+    {
+        MakeDatabase(name, Split(SampleText("security.sql"), "INSERT").front() +
+                               Default("sql", "INSERT INTO security_user") + grants);
+    }
+};
+
+class DocumentedCheckTest : public CheckTest, public testing::WithParamInterface<Section> {
+protected:
+    Outcome Check(const Example& example, const std::string& name) const
+    {
+        const auto shows = [&](const char* table) { return example.toml.find(table) != std::string::npos; };
+        Write(name + ".toml", Expanded((shows("\n[repositories") ? "" : Default("toml", "[repositories")) +
+                                       example.toml + (shows("\n[fields") ? "" : Default("toml", "[fields"))));
+        MakeSecurity(name + ".db", example.sql.empty() ? Default("sql", "INSERT INTO security_perm") : example.sql);
+        const std::string command = acfilter + " check --strict -c " + name + ".toml";
+        return Run(command + (example.sql.empty() ? "" : " -s sqlite3://db=" + name + ".db"));
+    }
+
+    void ExpectFilters(const Example& example, const std::string& name) const
+    {
+        for (const std::string& line : Split(example.filters.substr(1, example.filters.size() - 2), "\n")) {
+            const Lines columns = Split(line, ": ");
+            const std::string options = " -c " + name + ".toml -s sqlite3://db=" + name + ".db -r documents ";
+            const Outcome outcome = Run(acfilter + " filter --log-level 0" + options + columns.at(0));
+            EXPECT_EQ(outcome.output, (columns.at(1) == "(empty)" ? "" : columns.at(1)) + "\n") << line;
+        }
+    }
+};
+
+TEST_P(DocumentedCheckTest, FindsTheWrongAndPassesTheRight)
+{
+    const Section& section = GetParam();
+    const std::vector<Example> examples = ExamplesOf(section);
+    ASSERT_EQ(examples.size(), 2U);
+
+    const Outcome wrong = Check(examples[0], "wrong");
+    EXPECT_EQ(wrong.status, 3) << wrong.errors;
+    EXPECT_THAT(wrong.output, HasSubstr(": " + section.severity + " " + section.code + ": "));
+    for (const std::string& line : Split(wrong.output, "\n")) {
+        if (const Lines parts = Split(line, ": "); line.starts_with("wrong.toml:")) {
+            EXPECT_THAT(section.code + section.text, HasSubstr(parts.at(1).substr(parts.at(1).size() - 5))) << line;
+        }
+    }
+    ExpectFilters(examples[0], "wrong");
+
+    const Outcome right = Check(examples[1], "right");
+    EXPECT_EQ(right.status, 0) << right.errors;
+    EXPECT_EQ(right.output, "no findings\n");
+    ExpectFilters(examples[1], "right");
+}
+
+INSTANTIATE_TEST_SUITE_P(Codes, DocumentedCheckTest, testing::ValuesIn(sections.begin() + 1, sections.end()),
+                         [](const auto& section) { return section.param.code; });
+
+TEST_F(CheckTest, EveryCheckIsDocumentedInItsOrder)
+{
+    std::string codes;
+    for (auto section = sections.begin() + 1; section != sections.end(); ++section) {
+        codes += section->code + "\n";
+    }
+    EXPECT_EQ(
+        Run("grep -oh 'AC0[0-9][0-9]\",' " SAMPLE_FOLDER "/../../tools/acfilter/*.cpp | cut -c -5 | sort -u").output,
+        codes);
+}
+
+// Whatever is written: where nothing is found, nobody sees more than is granted, and no placeholder is left.
+TEST_F(CheckTest, WhatPassesKeepsItsWord)
+{
+    MakeSecurity("s.db", Default("sql", "INSERT INTO security_perm") +
+                             "INSERT INTO security_permission SELECT position + 10, grantee_type, grantee, "
+                             "'archive.own', 1, resource, 0 FROM security_permission WHERE resource = '%my%';");
+    std::mt19937 random(1); // the same cases each time
+    const auto pick = [&](const Lines& choices) { return choices[random() % choices.size()]; };
+    const Lines templates = {"region %equal_operator% ('%values%')",       "region = '$region$'",
+                             "region = '%values%' OR origin = '$region$'", "secret = '%value%'",
+                             "region = '%values%' AND x %equal_operator%", "published = 1"};
+    std::string toml = "\n[sites.north.applications.norvale.pix.assigning_authority]\nvalue = 'north'\n"
+                       "[norvale.pix.assigning_authority]\nvalue = 'west'\n";
+    const int count = 1000;
+    for (int number = 0; number < count; ++number) {
+        const std::string name = "r" + std::to_string(number);
+        const Lines settings = Split(Default("toml", "[repositories"), "documents]");
+        toml += settings.at(0) + name + "]" + settings.at(1) + "\n[fields.f" + name + "." + name + "]\n";
+        for (const Lines& lines : std::vector<Lines>{
+                 {"permission_name = 'archive.region'", "permission_name = 'archive.own'"},
+                 {"permission_value = 1", "permission_value = 1", "permission_value = 1", "permission_value = 0"},
+                 {"my_field = '$region$'", "my_field = '$region$'", "my_field = 'region'", "", ""},
+                 {"conditions_delimiter = ' OR '", "conditions_delimiter = ' OR '", ""},
+                 {"condition1 = \"" + pick(templates) + "\""},
+                 {"condition2 = \"" + pick(templates) + "\"", "condition3 = 'x'", "", ""},
+                 {"replace_fields1 = '$region$'", "replace_fields1 = ' $region$'", "", ""},
+                 {"mandatory_fields1 = '$region$'", "mandatory_fields1 = '$Region$'", "", ""},
+                 {"values_function1 = 'SiteIdToIssuer'", "", "", ""}}) {
+            toml += pick(lines) + "\n";
+        }
+    }
+    Write("a.toml", Expanded(toml));
+    const std::string options = " -c a.toml -s sqlite3://db=s.db ";
+    const std::string findings = Run(acfilter + " check --format json" + options).output;
+    int passed = 0;
+    for (int number = 0; number < count; ++number) {
+        const std::string name = "r" + std::to_string(number);
+        if (findings.find("\"repository\":\"" + name + "\"") != std::string::npos) {
+            continue;
+        }
+        ++passed;
+        const Outcome outcome = Run(acfilter + " filter -r " + name + options + "ann bob cyd dan eve fay nobody");
+        EXPECT_THAT(outcome.output, Not(testing::ContainsRegex("[%$]"))) << name;
+        const Lines filters = Split(outcome.output, "\n");
+        ASSERT_EQ(filters.size(), 8U);
+        EXPECT_THAT(filters[0], testing::ContainsRegex("north|^1 = 0$")) << name;
+        EXPECT_THAT(filters[2], HasSubstr("west")) << name;
+        EXPECT_NE(filters[3], "") << name;
+        EXPECT_EQ(filters[4] + filters[5] + filters[6], "1 = 01 = 0published = 1") << name;
+    }
+    EXPECT_GT(passed, 15);
+}
+
+} // namespace

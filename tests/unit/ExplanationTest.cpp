@@ -1,0 +1,132 @@
+// How an explanation shows what is long, and what was tried.
+#include "tools/acfilter/Explanation.h"
+#include "tests/unit/ScriptedPlatform.h"
+#include "tools/acfilter/ExplainingManager.h"
+#include "tools/acfilter/Printable.h"
+
+#include <stdexcept>
+
+using testing::HasSubstr;
+
+namespace {
+
+// Of a user with these resources, whose condition came out as `text`.
+std::string Explained(const std::string& text, const Lines& resources, const TextStyle& style)
+{
+    FieldDefinition field;
+    ConditionDefinition condition;
+    Explanation explanation{"docs", {}, {{"f", {{}}}}, {}};
+    explanation.account.answer = {text, Outcome::restricted};
+    FieldAccount& account = explanation.account.fields.emplace_back();
+    account.definition = &field;
+    account.isHeld = false;
+    account.conditions.push_back({&condition, {}, {}, text});
+    account.clause = text;
+    for (const std::string& resource : resources) {
+        account.values.push_back({resource, resource, std::nullopt});
+    }
+    return ExplanationText(explanation, style);
+}
+
+TEST(ExplanationTest, CutsLongTextsBetweenCharacters)
+{
+    const std::string almost(398, 'x');
+    const struct {
+        std::string text;
+        std::string shown;
+    } cases[] = {
+        {almost + "yz", almost + "yz"},
+        {almost + "yzx", almost + "yz ... 401 bytes in all, --full shows them"},
+        {almost + "\u00e9", almost + "\u00e9"},
+        {almost + "\u00e9z", almost + "\u00e9 ... 401 bytes in all, --full shows them"},
+        {almost + "y\u00e9", almost + "y ... 401 bytes in all, --full shows them"},
+        {almost + "y\U0001f600", almost + "y ... 403 bytes in all, --full shows them"},
+        {almost + "\033yz", almost + "\\x1by ... 401 bytes in all, --full shows them"},
+        {std::string(401, '\200'), " ... 401 bytes in all, --full shows them"},
+    };
+    for (const auto& [text, shown] : cases) {
+        const std::string cut = Explained(text, {}, {});
+        EXPECT_THAT(cut, HasSubstr("     text     " + shown + "\n"));
+        EXPECT_THAT(cut, HasSubstr("   clause     " + shown + "\n"));
+        EXPECT_THAT(cut, testing::EndsWith("\nFilter\n" + text + "\n"));
+        EXPECT_THAT(Explained(text, {}, {true, false, true}), HasSubstr("     text     " + Printable(text) + "\n"));
+        EXPECT_THAT(Explained(text, {}, {false, false, true}),
+                    testing::EndsWith("\nFilter\n" + Printable(text) + "\n"));
+    }
+}
+
+TEST(ExplanationTest, CutsLongListsShort)
+{
+    const Lines eight(8, "a");
+    const Lines nine(9, "a");
+    const std::string shown = "   resources  'a', 'a', 'a', 'a', 'a', 'a', 'a', 'a'";
+    EXPECT_THAT(Explained("t", eight, {}), HasSubstr(shown + "\n"));
+    EXPECT_THAT(Explained("t", nine, {}), HasSubstr(shown + ", ... 9 in all, --full shows them\n"));
+    EXPECT_THAT(Explained("t", nine, {true, false, false}), HasSubstr(shown + ", 'a'\n"));
+}
+
+// Of a scripted user u, with one field that takes the permission p.
+class TriedChangesTest : public testing::Test {
+protected:
+    TriedChangesTest()
+    {
+        script = Script();
+        const std::string top = "zarvona\\system\\applications\\securitymanager\\unified_access_control\\";
+        script.configuration = {{top + "repositories\\docs\\hide_all_filter", "NOTHING"},
+                                {top + "fields\\f\\docs\\permission_name", "p"},
+                                {top + "fields\\f\\docs\\permission_value", "1"},
+                                {top + "fields\\f\\docs\\condition1", "%values%"}};
+        script.permissions = {{"p", 1, "a", false}, {"p", 1, "b", false}};
+    }
+};
+
+// Otherwise the explanation of today's filter would call itself that of the changes.
+TEST_F(TriedChangesTest, AreRefusedWhereTheyCannotBeTried)
+{
+    const PermissionBase grant("p", 1, nullptr, false);
+    const struct {
+        const char* missing;
+        WhatIf tried;
+        const char* refusal; ///< Of a log-in; null: it is answered.
+    } cases[] = {
+        {"permission list", {}, nullptr},
+        {"permission list", {{{"uid", "u"}}, {}, {}}, nullptr},
+        {"permission list", {{}, {grant}, {}}, "the security manager lists no permissions, so no change can be tried"},
+        {"permission list", {{}, {}, {{"p"}}}, "the security manager lists no permissions, so no change can be tried"},
+        {"user details", {}, nullptr},
+        {"user details",
+         {{{"uid", "u"}}, {}, {}},
+         "the security manager tells nothing of the user, so no change can be tried"},
+        {"user details",
+         {{}, {grant}, {}},
+         "the security manager tells nothing of the user, so no change can be tried"},
+    };
+    for (const auto& [missing, tried, refusal] : cases) {
+        script.answers.clear();
+        ExplainingManager manager("docs", tried);
+        manager.InitSecurityConnection("text", 7);
+        manager.Explain({"other", "", false});
+        script.answers[missing] = false;
+        try {
+            manager.Explain({"u", "", false});
+            EXPECT_EQ(refusal, nullptr) << missing;
+        } catch (const std::runtime_error& error) {
+            EXPECT_STREQ(error.what(), refusal) << missing;
+        }
+    }
+}
+
+TEST_F(TriedChangesTest, AreCountedAfreshForEachRequest)
+{
+    ExplainingManager manager("docs", {{}, {}, {{"p:a"}}});
+    manager.InitSecurityConnection("text", 7);
+    for (const bool isKnown : {true, true, false}) {
+        for (const bool withoutLogin : {false, true}) {
+            script.answers["user details"] = script.answers["logged in"] = isKnown;
+            EXPECT_EQ(manager.Explain({"u", "", withoutLogin}).answer.filter, isKnown ? "b" : "");
+            EXPECT_EQ(manager.Tried().revocations.front().revoked, isKnown ? 1U : 0U);
+        }
+    }
+}
+
+} // namespace
