@@ -114,8 +114,11 @@ private:
                     throw std::runtime_error(place.Text() + " holds two values of '" + attribute + "'");
                 }
             } else {
-                found->permissions.push_back(Permission());
+                found->permissions.Add(Permission());
             }
+        }
+        if (found) {
+            found->permissions.ShrinkToFit();
         }
         return found;
     }

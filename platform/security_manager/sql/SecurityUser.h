@@ -1,18 +1,17 @@
 // One user as the security database describes them.
 #pragma once
 
-#include "platform/security_manager/PermissionBase.h"
 #include "platform/security_manager/UserDetailsInterface.h"
+#include "platform/security_manager/sql/GrantedPermissions.h"
 
 #include <map>
 #include <string>
 #include <utility>
-#include <vector>
 
 struct SecurityUser {
     std::string groupName; ///< Empty: no group.
     std::map<std::string, std::string, std::less<>> attributes;
-    std::vector<PermissionBase> permissions; ///< In the order of granting; only where they were asked for.
+    GrantedPermissions permissions; ///< Only where they were asked for.
 };
 
 class SqlUserDetails final : public UserDetailsInterface {

@@ -6,7 +6,6 @@
 #include "platform/security_manager/sql/HandedOut.h"
 #include "platform/security_manager/sql/SecurityDatabase.h"
 
-#include <algorithm>
 #include <optional>
 #include <stdexcept>
 
@@ -72,7 +71,8 @@ public:
         if (!details) {
             return false;
         }
-        if (const PermissionBase* granted = FirstEqual(permission)) {
+        const GrantedPermissions& permissions = details->User().permissions;
+        if (const auto granted = permissions.FirstEqual(permission)) {
             return permission <= *granted;
         }
         if (permission.resource() == nullptr) {
@@ -80,8 +80,8 @@ public:
         }
         const PermissionBase fallback(permission.name(), permission.value(), defaultResource,
                                       permission.IsConditional());
-        const PermissionBase* granted = FirstEqual(fallback);
-        return granted != nullptr && fallback <= *granted;
+        const auto granted = permissions.FirstEqual(fallback);
+        return granted && fallback <= *granted;
     }
 
     bool GetResources(const std::string& permissionName, unsigned permissionValue,
@@ -90,12 +90,7 @@ public:
         if (!details) {
             return false;
         }
-        for (const PermissionBase& granted : details->User().permissions) {
-            if (granted.name() == permissionName && (granted.value() & permissionValue) == permissionValue &&
-                granted.resource() != nullptr) {
-                resources.emplace_back(granted.resource());
-            }
-        }
+        details->User().permissions.AppendResources(permissionName, permissionValue, resources);
         return true;
     }
 
@@ -108,13 +103,6 @@ private:
     {
         std::string group;
         return !(callback->*getGroup)(group) || group == noGroupMarker || group == user.groupName;
-    }
-
-    const PermissionBase* FirstEqual(const PermissionBase& sought) const
-    {
-        const auto& permissions = details->User().permissions;
-        const auto found = std::find(permissions.begin(), permissions.end(), sought);
-        return found != permissions.end() ? &*found : nullptr;
     }
 
     std::unique_ptr<SecurityDatabase> database;

@@ -1,0 +1,44 @@
+// What one user is granted, kept by name, which is how it is asked for: a user may be granted a hundred thousand
+// resources.
+#pragma once
+
+#include "platform/security_manager/PermissionBase.h"
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class GrantedPermissions {
+public:
+    /// Permissions are added in the order of granting.
+    void Add(const PermissionBase& permission);
+
+    /// Gives back the room that was held for more permissions.
+    void ShrinkToFit();
+
+    /// The first permission that is equal to `sought`.
+    std::optional<PermissionBase> FirstEqual(const PermissionBase& sought) const;
+
+    /// Appends the resources of the permissions named `name` that hold every bit of `value`.
+    void AppendResources(std::string_view name, unsigned value, std::vector<std::string>& resources) const;
+
+private:
+    struct Resource {
+        std::size_t position; // of its text
+        unsigned value;
+        bool isConditional;
+    };
+
+    struct OfOneName {
+        std::optional<PermissionBase> firstWithoutResource; // later ones are equal to it, so nobody asks for them
+        std::vector<Resource> resources;
+        std::string texts; // each with a NUL behind it
+
+        const char* TextOf(const Resource& resource) const { return texts.data() + resource.position; }
+    };
+
+    std::map<std::string, OfOneName, std::less<>> byName;
+};
