@@ -4,6 +4,7 @@
 #include "platform/security_manager/PermissionListInterface.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -38,12 +39,15 @@ bool SECM_AccessControlManager::GetResourcesFromList(PermissionListInterface* pe
                                                      const std::string& permissionName, unsigned permissionValue,
                                                      std::vector<std::string>& resources)
 {
+    if (permissionName.find('\0') != std::string::npos) {
+        return true; // no entry's name holds a NUL
+    }
     const std::vector<PermissionBase>& entries = *permissionList->GetPermissions();
     resources.reserve(resources.size() + entries.size()); // far less than the list itself takes
     for (const PermissionBase& entry : entries) {
         const char* resource = entry.resource();
         if (resource != nullptr && (entry.value() & permissionValue) == permissionValue &&
-            permissionName == entry.name()) {
+            std::strcmp(entry.name(), permissionName.c_str()) == 0) {
             resources.emplace_back(resource);
         }
     }
