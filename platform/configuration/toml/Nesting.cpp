@@ -38,7 +38,28 @@ std::size_t TextLength(std::string_view content)
     return content.size();
 }
 
-// Of what stands at the front and is taken as one: a text, a comment up to its line's end, or a character's byte.
+// Whether it may change the depth, or begins what is passed over.
+bool IsMark(char byte)
+{
+    switch (byte) {
+    case '[':
+    case ']':
+    case '{':
+    case '}':
+    case '.':
+    case ',':
+    case '\n':
+    case '"':
+    case '\'':
+    case '#':
+        return true;
+    default:
+        return false;
+    }
+}
+
+// Of what stands at the front and is taken as one: a text, a comment up to its line's end, a mark, a blank, or what
+// stands up to the next mark.
 std::size_t PieceLength(std::string_view content)
 {
     switch (content.front()) {
@@ -47,14 +68,21 @@ std::size_t PieceLength(std::string_view content)
         return TextLength(content);
     case '#':
         return std::min(content.find('\n'), content.size());
-    default:
+    case ' ':
+    case '\t':
         return 1;
+    default:
+        if (IsMark(content.front())) {
+            return 1;
+        }
+        return static_cast<std::size_t>(std::find_if(content.begin() + 1, content.end(), IsMark) - content.begin());
     }
 }
 
-void Advance(TextPosition& position, std::string_view piece)
+TextPosition PositionBehind(std::string_view content)
 {
-    for (const char byte : piece) {
+    TextPosition position;
+    for (const char byte : content) {
         const bool continuesCharacter = (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
         if (byte == '\n') {
             ++position.line;
@@ -63,6 +91,7 @@ void Advance(TextPosition& position, std::string_view piece)
             ++position.column;
         }
     }
+    return position;
 }
 
 // How many names, inline tables and arrays stand around the place that the scan has come to; the name of a table counts
@@ -141,14 +170,10 @@ std::optional<TextPosition> FindTooDeep(std::string_view content, unsigned deepe
         content.remove_prefix(byteOrderMark.size());
     }
     Depth depth;
-    TextPosition position;
-    while (!content.empty()) {
-        if (depth.Take(content.front()) > deepest) {
-            return position;
+    for (std::size_t at = 0; at < content.size(); at += PieceLength(content.substr(at))) {
+        if (depth.Take(content[at]) > deepest) {
+            return PositionBehind(content.substr(0, at));
         }
-        const std::string_view piece = content.substr(0, PieceLength(content));
-        Advance(position, piece);
-        content.remove_prefix(piece.size());
     }
     return std::nullopt;
 }
