@@ -37,9 +37,10 @@ bool AccessControl_CodesDisplayNameFunction::Initialize(std::string codeTable)
     const int count = names ? names->GetCount() : 0;
     for (int index = 0; index < count; ++index) {
         std::string code = names->GetName(index);
-        const RWCString displayName = table->GetValueByPath(RWCString(code) + "\\display_name");
+        const RWCString displayName = table->GetValueByPath(code + "\\display_name");
         if (!code.empty() && displayName.length() != 0) {
-            displayNames.insert_or_assign(std::move(code), std::string(displayName.data(), displayName.length()));
+            displayNames.insert_or_assign(displayNames.end(), std::move(code),
+                                          std::string(displayName.data(), displayName.length()));
         }
     }
     return true;

@@ -29,12 +29,16 @@ bool AccessControl_SiteIdToIssuerFunction::Initialize(std::string /*configuratio
     }
     const std::unique_ptr<CFG_NameList> sites(repository->GetChildNames(configuration_paths::sites));
     const int count = sites ? sites->GetCount() : 0;
+    std::string path = std::string(configuration_paths::sites) + "\\";
+    const std::size_t upToSite = path.size();
     for (int index = 0; index < count; ++index) {
         std::string site = sites->GetName(index);
-        const RWCString issuer = repository->GetValueByPath(RWCString(configuration_paths::sites) + "\\" +
-                                                            site.c_str() + configuration_paths::issuer);
+        path.resize(upToSite);
+        path.append(site).append(configuration_paths::issuer);
+        const RWCString issuer = repository->GetValueByPath(path);
         if (!site.empty() && issuer.length() != 0) {
-            siteIssuers.insert_or_assign(std::move(site), std::string(issuer.data(), issuer.length()));
+            siteIssuers.insert_or_assign(siteIssuers.end(), std::move(site),
+                                         std::string(issuer.data(), issuer.length()));
         }
     }
     // Up to its first NUL, unlike an issuer of a site's own.

@@ -16,6 +16,7 @@
 
 using configuration::Entry;
 using configuration::FindEntry;
+using configuration::FindName;
 using configuration::LoadTree;
 using configuration::Node;
 using configuration::Tree;
@@ -31,6 +32,11 @@ std::string_view View(const RWCString& text)
     return {text.data(), text.length()};
 }
 
+RWCString TextOf(std::string_view value)
+{
+    return {value.data(), value.size()};
+}
+
 // Keeps the whole tree alive, whichever of its nodes it points to.
 using NodePointer = std::shared_ptr<const Node>;
 
@@ -40,14 +46,14 @@ NodePointer FindNode(const NodePointer& start, const RWCString& path)
         return start;
     }
     const Entry* entry = FindEntry(*start, View(path));
-    return entry != nullptr && entry->node ? NodePointer(start, entry->node.get()) : nullptr;
+    return entry != nullptr && entry->node != nullptr ? NodePointer(start, entry->node) : nullptr;
 }
 
 // The value directly under `node`: a key is a name and no path.
-const std::string* FindValue(const Node& node, const RWCString& key)
+const std::string_view* FindValue(const Node& node, const RWCString& key)
 {
-    const auto found = node.entries.find(View(key));
-    return found != node.entries.end() && !found->second.node ? &found->second.value : nullptr;
+    const Entry* found = FindName(node, View(key));
+    return found != nullptr && found->node == nullptr ? &found->value : nullptr;
 }
 
 // Digits with an optional minus before them, as an integer of 32 bits with or without a sign.
@@ -65,10 +71,7 @@ std::optional<std::int32_t> AsInteger(std::string_view text)
 class NameList final : public CFG_NameList {
 public:
     explicit NameList(NodePointer ofNode) : node(std::move(ofNode)) {}
-    const char* GetName(int index) const override
-    {
-        return node->childNames.at(static_cast<std::size_t>(index))->c_str();
-    }
+    const char* GetName(int index) const override { return node->childNames.at(static_cast<std::size_t>(index)); }
     int GetCount() const override { return static_cast<int>(node->childNames.size()); }
 
 private:
@@ -82,15 +85,15 @@ public:
     RWCString GetValue(RWCString key, RWCString defaultValue) const override
     {
         const NodePointer here = Here();
-        const std::string* value = FindValue(*here, key);
-        return value != nullptr ? RWCString(*value) : defaultValue;
+        const std::string_view* value = FindValue(*here, key);
+        return value != nullptr ? TextOf(*value) : defaultValue;
     }
 
     RWCString GetValueByPath(const RWCString& path) const override
     {
         const NodePointer here = Here();
         const Entry* entry = FindEntry(*here, View(path));
-        return entry != nullptr && !entry->node ? RWCString(entry->value) : RWCString("");
+        return entry != nullptr && entry->node == nullptr ? TextOf(entry->value) : RWCString("");
     }
 
     CFG_NameList* GetChildNames(const RWCString& path) const override
@@ -102,7 +105,7 @@ public:
     std::int32_t* GetIntValue(RWCString key) const override
     {
         const NodePointer here = Here();
-        const std::string* value = FindValue(*here, key);
+        const std::string_view* value = FindValue(*here, key);
         const auto integer = value != nullptr ? AsInteger(*value) : std::nullopt;
         return integer ? new std::int32_t(*integer) : nullptr;
     }
@@ -210,10 +213,12 @@ std::vector<CFG_Entry> CFG_ListEntries(const RWCString& path)
         return {};
     }
     std::vector<CFG_Entry> entries;
-    for (const auto& [name, entry] : node->entries) {
+    for (const Entry& entry : node->entries) {
         const auto& place = entry.place;
-        entries.push_back(
-            {name, entry.node != nullptr, entry.value, {tree->files[place.file], place.line, place.column}});
+        entries.push_back({std::string(entry.name),
+                           entry.node != nullptr,
+                           std::string(entry.value),
+                           {tree->files[place.file], place.line, place.column}});
     }
     std::sort(entries.begin(), entries.end(),
               [](const CFG_Entry& left, const CFG_Entry& right) { return left.place < right.place; });

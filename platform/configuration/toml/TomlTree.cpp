@@ -15,6 +15,8 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <new>
+#include <span>
 #include <utility>
 
 namespace configuration {
@@ -51,6 +53,16 @@ std::string ReadFile(const std::string& path)
     return content;
 }
 
+// The entry named `name` among sorted ones; null when there is none.
+template <class EntryType>
+EntryType* Find(std::span<EntryType> entries, std::string_view name)
+{
+    const auto found =
+        std::lower_bound(entries.begin(), entries.end(), name,
+                         [](const Entry& entry, std::string_view sought) { return entry.name < sought; });
+    return found != entries.end() && found->name == name ? &*found : nullptr;
+}
+
 const char* KindOf(const toml::node& node)
 {
     switch (node.type()) {
@@ -82,49 +94,61 @@ public:
                    "tables are nested more than " + std::to_string(deepestName) + " deep; shorten the path");
         }
         try {
-            Merge(tree.root, toml::parse(content, path));
+            Merge(tree.root, toml::parse(content));
         } catch (const toml::parse_error& error) {
             Refuse(PlaceOf(error.source().begin), std::string(error.description()));
         }
     }
 
 private:
+    // A name of a table on its way into the entry of that name.
+    struct Item {
+        const toml::key* key;
+        const toml::node* value;
+        Entry* entry;
+
+        // As they stand in the file.
+        bool operator<(const Item& other) const { return key->source().begin < other.key->source().begin; }
+    };
+
     void Merge(Node& node, const toml::table& table)
     {
-        const std::size_t first = inFileOrder.size();
-        for (auto&& [key, value] : table) {
-            inFileOrder.emplace_back(&key, &value);
+        const auto earlier = static_cast<std::ptrdiff_t>(node.entries.size());
+        const auto first = static_cast<std::ptrdiff_t>(items.size());
+        MakeRoom(node.entries, table.size()); // so that no entry moves meanwhile
+        const std::span earlierEntries(node.entries.begin(), node.entries.size());
+        for (auto&& [key, value] : table) { // by name, so that the new entries are sorted
+            Entry* entry = Find(earlierEntries, key.str());
+            items.push_back({&key, &value, entry != nullptr ? entry : &node.entries.emplace_back(Keep(key.str()))});
         }
-        std::sort(inFileOrder.begin() + static_cast<std::ptrdiff_t>(first), inFileOrder.end(),
-                  [](const auto& left, const auto& right) {
-                      return left.first->source().begin < right.first->source().begin;
-                  });
-        const std::size_t end = inFileOrder.size();
-        for (std::size_t index = first; index < end; ++index) {
-            const auto [key, value] = inFileOrder[index];
-            MergeEntry(node, *key, *value);
+        if (!std::is_sorted(items.begin() + first, items.end())) {
+            std::sort(items.begin() + first, items.end());
         }
-        inFileOrder.resize(first);
+        for (auto index = first, end = static_cast<std::ptrdiff_t>(items.size()); index < end; ++index) {
+            const Item item = items[static_cast<std::size_t>(index)]; // a copy, for tables in it add theirs
+            MergeItem(node, item, item.entry - node.entries.data() >= earlier);
+        }
+        items.erase(items.begin() + first, items.end());
+        std::inplace_merge(node.entries.begin(), node.entries.begin() + earlier, node.entries.end(),
+                           [](const Entry& left, const Entry& right) { return left.name < right.name; });
     }
 
-    void MergeEntry(Node& node, const toml::key& key, const toml::node& value)
+    void MergeItem(Node& node, const Item& item, bool isNew)
     {
-        const Place place = PlaceOf(key.source().begin);
-        CheckName(key.str(), place);
-        const toml::table* child = value.as_table();
-        auto [found, isNew] = node.entries.try_emplace(std::string(key.str()));
-        const std::string& name = found->first;
-        Entry& entry = found->second;
+        const Place place = PlaceOf(item.key->source().begin);
+        Entry& entry = *item.entry;
+        CheckName(entry.name, place);
+        const toml::table* child = item.value->as_table();
         if (isNew) {
             entry.place = place;
             if (child != nullptr) {
-                entry.node = std::make_unique<Node>();
-                node.childNames.push_back(&name);
+                entry.node = new (tree.memory.allocate(sizeof(Node), alignof(Node))) Node(tree.memory);
+                node.childNames.push_back(entry.name.data());
             } else {
-                entry.value = ValueOf(value, name, place);
+                entry.value = ValueOf(*item.value, entry.name, place);
             }
         } else if (child == nullptr || entry.node == nullptr) {
-            Refuse(place, "'" + name + "' is " + (child != nullptr ? "a table" : "a value") + " here and " +
+            Refuse(place, Quoted(entry.name) + " is " + (child != nullptr ? "a table" : "a value") + " here and " +
                               (entry.node != nullptr ? "a table" : "a value") + " already at " + TextOf(entry.place) +
                               "; remove or rename one of the two");
         }
@@ -132,6 +156,24 @@ private:
             Merge(*entry.node, *child);
         }
     }
+
+    // Exactly as much at first, and in growing steps when a node comes together from many files.
+    static void MakeRoom(std::pmr::vector<Entry>& entries, std::size_t more)
+    {
+        if (const std::size_t size = entries.size() + more; size > entries.capacity()) {
+            entries.reserve(std::max(size, 2 * entries.size()));
+        }
+    }
+
+    // A copy that lives as long as the tree, with a NUL behind it.
+    std::string_view Keep(std::string_view text)
+    {
+        char* copy = static_cast<char*>(tree.memory.allocate(text.size() + 1, 1));
+        *std::copy(text.begin(), text.end(), copy) = '\0';
+        return {copy, text.size()};
+    }
+
+    static std::string Quoted(std::string_view name) { return "'" + std::string(name) + "'"; }
 
     [[noreturn]] void Refuse(const Place& place, const std::string& why) const
     {
@@ -154,32 +196,32 @@ private:
             Refuse(place, "a name must not be empty");
         }
         if (name.find('\\') != std::string::npos || name.find('\0') != std::string::npos) {
-            Refuse(place, "the name '" + std::string(name.substr(0, name.find('\0'))) +
-                              "' must contain neither a backslash nor a NUL");
+            Refuse(place, "the name " + Quoted(name.substr(0, name.find('\0'))) +
+                              " must contain neither a backslash nor a NUL");
         }
     }
 
-    std::string ValueOf(const toml::node& node, const std::string& name, const Place& place) const
+    std::string_view ValueOf(const toml::node& node, std::string_view name, const Place& place)
     {
         if (const auto* text = node.as_string()) {
-            return text->get();
+            return Keep(text->get());
         }
         const auto* integer = node.as_integer();
         if (integer == nullptr) {
-            Refuse(place, "'" + name + "' must be a text or a whole number, found " + KindOf(node) +
+            Refuse(place, Quoted(name) + " must be a text or a whole number, found " + KindOf(node) +
                               (node.is_array() ? "" : "; write it between quotes"));
         }
         if (integer->get() < smallestInteger || integer->get() > largestInteger) {
-            Refuse(place, "'" + name + "' must be from " + std::to_string(smallestInteger) + " to " +
+            Refuse(place, Quoted(name) + " must be from " + std::to_string(smallestInteger) + " to " +
                               std::to_string(largestInteger) + ", found " + std::to_string(integer->get()));
         }
-        return std::to_string(integer->get());
+        return Keep(std::to_string(integer->get()));
     }
 
     Tree& tree;
     unsigned file;
     // Of the tables that are being merged, each behind the one that it is in: one storage for all of them.
-    std::vector<std::pair<const toml::key*, const toml::node*>> inFileOrder;
+    std::vector<Item> items;
 };
 
 std::vector<std::string> FilesOf(const std::string& path)
@@ -217,19 +259,21 @@ std::shared_ptr<const Tree> LoadTree(const std::string& path)
     return tree;
 }
 
+const Entry* FindName(const Node& node, std::string_view name)
+{
+    return Find(std::span(node.entries), name);
+}
+
 const Entry* FindEntry(const Node& start, std::string_view path)
 {
     const Node* node = &start;
     for (;;) {
         const std::size_t end = path.find('\\');
-        const auto found = node->entries.find(path.substr(0, end));
-        if (found == node->entries.end()) {
-            return nullptr;
+        const Entry* found = FindName(*node, path.substr(0, end));
+        if (found == nullptr || end == std::string_view::npos) {
+            return found;
         }
-        if (end == std::string_view::npos) {
-            return &found->second;
-        }
-        node = found->second.node.get();
+        node = found->node;
         if (node == nullptr) {
             return nullptr;
         }

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <compare>
-#include <map>
 #include <memory>
+#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,26 +21,37 @@ struct Place {
     auto operator<=>(const Place&) const = default;
 };
 
-/// A name of a node with what it stands for: a child node, or a value.
+/// A name of a node with what it stands for: a child node, or a value. Texts have a NUL behind them.
 struct Entry {
-    Place place;                ///< Where the name first stands.
-    std::unique_ptr<Node> node; ///< Null: the name is that of a value.
-    std::string value;          ///< A text as it stands, an integer in decimal.
+    explicit Entry(std::string_view named) : name(named) {}
+
+    std::string_view name;
+    Place place;            ///< Where the name first stands.
+    Node* node = nullptr;   ///< Null: the name is that of a value.
+    std::string_view value; ///< A text as it stands, an integer in decimal.
 };
 
 struct Node {
-    std::map<std::string, Entry, std::less<>> entries;
-    std::vector<const std::string*> childNames; ///< Keys of `entries` that are nodes, as a reader meets them.
+    explicit Node(std::pmr::memory_resource& memory) : entries(&memory), childNames(&memory) {}
+
+    std::pmr::vector<Entry> entries;          ///< Sorted by name.
+    std::pmr::vector<const char*> childNames; ///< Of the entries that are nodes, as a reader meets them.
 };
 
+/// Large configurations are hundreds of thousands of nodes and texts. All are in the tree's memory, which goes as a
+/// whole: no node is destroyed one by one, but for the root.
 struct Tree {
+    std::pmr::monotonic_buffer_resource memory;
     std::vector<std::string> files; ///< As their names were given or found.
-    Node root;
+    Node root{memory};
 };
 
 /// Reads `path`, a TOML file or a folder of them. Throws CFG_Error when anything in it cannot be taken as it
 /// stands.
 std::shared_ptr<const Tree> LoadTree(const std::string& path);
+
+/// The entry of `node` named `name`; null when there is none.
+const Entry* FindName(const Node& node, std::string_view name);
 
 /// What `path` (names joined by "\") leads to from `start`; null when there is nothing. The empty path and
 /// one with an empty name in it lead nowhere, for no name is empty.
