@@ -174,10 +174,9 @@ void SECM_AccessControlManager::ResolveUserField(std::string& token, UserDetails
 std::string SECM_AccessControlManager::ApplyValuesFunction(const std::string& value,
                                                            const ConditionDefinition& condition)
 {
-    if (!condition.valuesFunction) {
-        return value;
-    }
     std::string mapped = value;
-    condition.valuesFunction->MapValue(value, mapped);
+    if (condition.valuesFunction) {
+        condition.valuesFunction->MapValue(value, mapped);
+    }
     return mapped;
 }
