@@ -15,26 +15,31 @@ namespace {
 constexpr LogOrigin conditionLog{managerSourceFile, "SECM_AccessControlManager::HandleSingleCondition"};
 constexpr LogOrigin valueLog{managerSourceFile, "SECM_AccessControlManager::ReplaceSingleValue"};
 
-// Where `pattern` first stands. Looks for what is behind its first character: that is a percent sign or a dollar, of
-// which templates are full.
-std::size_t Find(std::string_view text, std::string_view pattern)
+// Where `placeholder` first stands. Looks for its second character, for templates are full of percent signs; and knows
+// the placeholder when compiled, so that comparing is no call.
+template <const std::string_view& placeholder>
+std::size_t Find(std::string_view text)
 {
-    for (std::size_t behind = 1; (behind = text.find(pattern.substr(1), behind)) != std::string_view::npos; ++behind) {
-        if (text[behind - 1] == pattern.front()) {
-            return behind - 1;
+    for (std::size_t second = 1; (second = text.find(placeholder[1], second)) != std::string_view::npos; ++second) {
+        if (text.substr(second - 1).starts_with(placeholder)) {
+            return second - 1;
         }
     }
     return std::string_view::npos;
 }
 
-bool ReplaceFirst(std::string& text, std::string_view pattern, std::string_view replacement)
+bool ReplaceAt(std::string& text, std::size_t position, std::size_t length, std::string_view replacement)
 {
-    const std::size_t position = Find(text, pattern);
     if (position == std::string::npos) {
         return false;
     }
-    text.replace(position, pattern.size(), replacement);
+    text.replace(position, length, replacement);
     return true;
+}
+
+bool FillOperator(std::string& text, const std::string& equalOperator)
+{
+    return ReplaceAt(text, Find<equalOperatorPlaceholder>(text), equalOperatorPlaceholder.size(), equalOperator);
 }
 
 // False: the user lacks an attribute without which the condition must not stand.
@@ -48,7 +53,7 @@ bool FillUserTokens(std::string& text, const ConditionDefinition& condition, Use
         if (attribute == nullptr && condition.mandatoryFields.count(token) != 0) {
             return false;
         }
-        ReplaceFirst(text, token, attribute != nullptr ? attribute : "");
+        ReplaceAt(text, text.find(token), token.size(), attribute != nullptr ? attribute : "");
     }
     return true;
 }
@@ -59,12 +64,12 @@ template <class AppendValues>
 std::string FilledWithValues(const std::string& conditionText, const std::string& equalOperator,
                              std::size_t valuesLength, AppendValues appendValues)
 {
-    const std::size_t position = std::min(Find(conditionText, valuesPlaceholder), conditionText.size());
+    const std::size_t position = std::min(Find<valuesPlaceholder>(conditionText), conditionText.size());
     std::string text;
     text.reserve(conditionText.size() + valuesLength + equalOperator.size());
     text.assign(conditionText, 0, position);
     // The first one before the values is the first of all, whatever the values bring: no need to move them later.
-    const bool isOperatorFilled = ReplaceFirst(text, equalOperatorPlaceholder, equalOperator);
+    const bool isOperatorFilled = FillOperator(text, equalOperator);
 
     const std::size_t beforeValues = text.size();
     appendValues(text);
@@ -74,7 +79,7 @@ std::string FilledWithValues(const std::string& conditionText, const std::string
         text.append(conditionText, position + valuesPlaceholder.size());
     }
     if (!isOperatorFilled) {
-        ReplaceFirst(text, equalOperatorPlaceholder, equalOperator);
+        FillOperator(text, equalOperator);
     }
     return text;
 }
@@ -98,7 +103,7 @@ std::string SECM_AccessControlManager::HandleSingleConditionForUser(const Condit
     if (!FillUserTokens(text, condition, userDetails)) {
         return "";
     }
-    ReplaceFirst(text, equalOperatorPlaceholder, singleEqualOperator);
+    FillOperator(text, singleEqualOperator);
     return text;
 }
 

@@ -135,34 +135,38 @@ bool SECM_AccessControlManager::CollectValues(User& user, const FieldDefinition&
 }
 
 template <class User>
-std::string SECM_AccessControlManager::ComposeClause(User& user, const FieldDefinition& field,
-                                                     const std::vector<std::string>& values)
+void SECM_AccessControlManager::AppendClause(User& user, const FieldDefinition& field,
+                                             const std::vector<std::string>& values, std::string& filter)
 {
-    std::string clause;
+    std::size_t start = 0;
     int conditionCount = 0;
     for (const ConditionDefinition& condition : field.conditions) {
         std::string text = user.FillCondition(condition, values);
         if (text.empty()) {
             continue;
         }
-        if (++conditionCount == 1) {
-            clause = std::move(text);
+        if (++conditionCount > 1) {
+            filter.append(field.conditionsDelimiter);
+        } else if (!filter.empty()) {
+            filter.append(filterDelimiter);
+            start = filter.size();
+        }
+        if (filter.empty()) {
+            filter = std::move(text); // a long list is not copied
         } else {
-            clause.append(field.conditionsDelimiter).append(text);
+            filter.append(text);
         }
     }
     if (conditionCount > 1) {
-        clause.insert(clause.begin(), '(');
-        clause.push_back(')');
+        filter.insert(start, 1, '(');
+        filter.push_back(')');
     }
-    return clause;
 }
 
 template <class User>
 std::string SECM_AccessControlManager::ComposeFilter(User& user)
 {
     std::string filter;
-    bool isFirstClause = true;
     // For the whole request, so that its storage serves every field.
     std::vector<std::string> values;
 
@@ -173,16 +177,7 @@ std::string SECM_AccessControlManager::ComposeFilter(User& user)
         if (!CollectValues(user, *field, values)) {
             return hideAllFilter;
         }
-        std::string clause = ComposeClause(user, *field, values);
-        if (clause.empty()) {
-            continue;
-        }
-        if (isFirstClause) {
-            filter = std::move(clause);
-            isFirstClause = false;
-        } else {
-            filter.append(filterDelimiter).append(clause);
-        }
+        AppendClause(user, *field, values, filter);
     }
 
     SECM_LOG(compositionLog, traceLevel, "GetAccessControlFilter - OUT. Filter: %s\n", filter.c_str());

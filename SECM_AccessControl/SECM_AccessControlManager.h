@@ -93,7 +93,8 @@ private:
     template <class User>
     bool CollectValues(User& user, const FieldDefinition& field, std::vector<std::string>& values);
     template <class User>
-    std::string ComposeClause(User& user, const FieldDefinition& field, const std::vector<std::string>& values);
+    void AppendClause(User& user, const FieldDefinition& field, const std::vector<std::string>& values,
+                      std::string& filter);
 
     // The pieces of HandleSingleConditionForUser.
     std::size_t LengthOfList(const std::vector<std::string>& values) const;
