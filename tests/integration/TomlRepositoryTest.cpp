@@ -68,6 +68,31 @@ TEST_F(TomlRepositoryTest, Answers)
     EXPECT_EQ(node->GetSubTree("k"), nullptr);
 }
 
+TEST_F(TomlRepositoryTest, PutsManyFilesTogether)
+{
+    std::string names = "[shared]";
+    for (int file = 10, count = 0; file < 40; ++file) {
+        const std::string own = "f" + std::to_string(file);
+        std::string text = "[t.shared]\n" + own + " = 1\n";
+        for (const int last = count + file % 4; count < last; ++count) {
+            const std::string name = "n" + std::to_string(count * 7919 % 1000); // in no order
+            names += "[" + name + "]";
+            text += "[t." + name + "]\nv = '" + name + own + "'\n";
+        }
+        Write("folder/" + own + ".toml", text);
+    }
+    Load("folder");
+    EXPECT_EQ(Ask("children", "t"), names);
+    const std::unique_ptr<CFG_NameList> list(CFG_Factory::GetRepositoryServices()->GetChildNames("t"));
+    for (int index = 1; index < list->GetCount(); ++index) {
+        EXPECT_THAT(Ask("path", std::string("t\\") + list->GetName(index) + "\\v"),
+                    testing::StartsWith(list->GetName(index)));
+    }
+    for (int file = 10; file < 40; ++file) {
+        EXPECT_EQ(Ask("path", "t\\shared\\f" + std::to_string(file)), "1");
+    }
+}
+
 TEST_F(TomlRepositoryTest, CountsNestingBeforeTheParserWould)
 {
     const std::string noNames = Repeated(300, ".[{");
