@@ -7,13 +7,6 @@
 
 namespace {
 
-std::string Line(std::size_t indent, const std::string& label, const std::string& content)
-{
-    constexpr std::size_t labelEnd = 14;
-    const std::size_t used = indent + label.size();
-    return std::string(indent, ' ') + label + std::string(used < labelEnd ? labelEnd - used : 1, ' ') + content + "\n";
-}
-
 std::string Listed(const char* sign, const std::vector<std::string>& values, bool isFull)
 {
     if (values.empty()) {
@@ -28,7 +21,7 @@ std::string FieldText(const FieldChange& field, bool isFull)
     std::string text = NameOf(field.change);
     text += field.because.empty() ? "" : ", " + field.because;
     text += Listed(", added ", field.added, isFull) + Listed(", removed ", field.removed, isFull);
-    return Line(3, Printable(field.field), text);
+    return LabelledLine(3, Printable(field.field), text);
 }
 
 std::string FilterText(const std::string& filter, bool isFull)
@@ -51,13 +44,16 @@ std::string SummaryText(const Comparison& comparison)
     for (const std::string& field : head.excluding) {
         excluding += (excluding.empty() ? "" : ", ") + Printable(field);
     }
-    return Line(0, "Repository", Quoted(head.repository)) + Line(0, "Before", Printable(head.before)) +
-           Line(0, "After", Printable(head.after) + (head.hasOtherDatabase ? ", with another security database" : "")) +
-           Line(0, "Users",
-                std::to_string(all) + ": " + kinds + std::to_string(comparison.CountOf(Change::same)) + " the same") +
-           Line(0, "Assumed", "each further value of a field shows more records, each further field fewer") +
-           (excluding.empty() ? Line(0, "", "(name fields whose values are left out of what is shown: --excluding)")
-                              : Line(0, "", "excluding, so that each further value shows fewer: " + excluding));
+    return LabelledLine(0, "Repository", Quoted(head.repository)) + LabelledLine(0, "Before", Printable(head.before)) +
+           LabelledLine(0, "After",
+                        Printable(head.after) + (head.hasOtherDatabase ? ", with another security database" : "")) +
+           LabelledLine(0, "Users",
+                        std::to_string(all) + ": " + kinds + std::to_string(comparison.CountOf(Change::same)) +
+                            " the same") +
+           LabelledLine(0, "Assumed", "each further value of a field shows more records, each further field fewer") +
+           (excluding.empty()
+                ? LabelledLine(0, "", "(name fields whose values are left out of what is shown: --excluding)")
+                : LabelledLine(0, "", "excluding, so that each further value shows fewer: " + excluding));
 }
 
 std::string UserChangeText(const UserChange& user, bool isFull)
@@ -70,8 +66,8 @@ std::string UserChangeText(const UserChange& user, bool isFull)
         text += FieldText(field, isFull);
     }
     if (user.change == Change::changed) {
-        text += Line(3, "before", FilterText(user.before.filter, isFull)) +
-                Line(3, "now", FilterText(user.after.filter, isFull));
+        text += LabelledLine(3, "before", FilterText(user.before.filter, isFull)) +
+                LabelledLine(3, "now", FilterText(user.after.filter, isFull));
     }
     return text;
 }

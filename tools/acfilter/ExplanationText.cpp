@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr std::size_t labelWidth = 14;
-
 enum class Colour : int { none = 0, strong = 1, faint = 2, alarm = 31, good = 32, careful = 33 };
 
 // An attribute as text: its value, or that there is none.
@@ -25,9 +23,7 @@ public:
 
     void Line(std::size_t indent, std::string_view label, const std::string& content, Colour colour = Colour::none)
     {
-        const std::size_t used = indent + label.size();
-        text.append(indent, ' ').append(label);
-        text.append(used < labelWidth ? labelWidth - used : 1, ' ').append(Coloured(content, colour)).append("\n");
+        text += LabelledLine(indent, label, Coloured(content, colour));
     }
 
     void Raw(const std::string& content) { text += content; }

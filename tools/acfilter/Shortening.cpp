@@ -7,12 +7,21 @@
 namespace {
 
 constexpr std::size_t shownBytes = 400;
+constexpr std::size_t labelWidth = 14;
 
 } // namespace
 
 std::string Quoted(const std::string& text)
 {
     return "'" + Printable(text) + "'";
+}
+
+std::string LabelledLine(std::size_t indent, std::string_view label, const std::string& content)
+{
+    std::string line(indent, ' ');
+    line += label;
+    line.append(line.size() < labelWidth ? labelWidth - line.size() : 1, ' ');
+    return line + content + "\n";
 }
 
 std::string ShortList(std::size_t count, const std::function<std::string(std::size_t)>& item, bool isFull)
