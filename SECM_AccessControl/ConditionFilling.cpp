@@ -15,14 +15,15 @@ namespace {
 constexpr LogOrigin conditionLog{managerSourceFile, "SECM_AccessControlManager::HandleSingleCondition"};
 constexpr LogOrigin valueLog{managerSourceFile, "SECM_AccessControlManager::ReplaceSingleValue"};
 
-// Where `placeholder` first stands. Looks for its second character, for templates are full of percent signs; and knows
-// the placeholder when compiled, so that comparing is no call.
-template <const std::string_view& placeholder>
+// Where `placeholder` first stands. Looks for the one of its characters that is rarest in templates and values; and
+// knows both when compiled, so that comparing is no call.
+template <const std::string_view& placeholder, char rarest>
 std::size_t Find(std::string_view text)
 {
-    for (std::size_t second = 1; (second = text.find(placeholder[1], second)) != std::string_view::npos; ++second) {
-        if (text.substr(second - 1).starts_with(placeholder)) {
-            return second - 1;
+    constexpr std::size_t offset = placeholder.find(rarest);
+    for (std::size_t at = offset; (at = text.find(rarest, at)) != std::string_view::npos; ++at) {
+        if (text.substr(at - offset).starts_with(placeholder)) {
+            return at - offset;
         }
     }
     return std::string_view::npos;
@@ -39,7 +40,7 @@ bool ReplaceAt(std::string& text, std::size_t position, std::size_t length, std:
 
 bool FillOperator(std::string& text, const std::string& equalOperator)
 {
-    return ReplaceAt(text, Find<equalOperatorPlaceholder>(text), equalOperatorPlaceholder.size(), equalOperator);
+    return ReplaceAt(text, Find<equalOperatorPlaceholder, 'q'>(text), equalOperatorPlaceholder.size(), equalOperator);
 }
 
 // False: the user lacks an attribute without which the condition must not stand.
@@ -64,7 +65,7 @@ template <class AppendValues>
 std::string FilledWithValues(const std::string& conditionText, const std::string& equalOperator,
                              std::size_t valuesLength, AppendValues appendValues)
 {
-    const std::size_t position = std::min(Find<valuesPlaceholder>(conditionText), conditionText.size());
+    const std::size_t position = std::min(Find<valuesPlaceholder, 'v'>(conditionText), conditionText.size());
     std::string text;
     text.reserve(conditionText.size() + valuesLength + equalOperator.size());
     text.assign(conditionText, 0, position);

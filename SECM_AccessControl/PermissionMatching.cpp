@@ -43,7 +43,7 @@ bool SECM_AccessControlManager::GetResourcesFromList(PermissionListInterface* pe
         return true; // no entry's name holds a NUL
     }
     const std::vector<PermissionBase>& entries = *permissionList->GetPermissions();
-    resources.reserve(resources.size() + entries.size()); // far less than the list itself takes
+    resources.reserve(resources.size() + entries.size()); // less than the list itself takes
     for (const PermissionBase& entry : entries) {
         const char* resource = entry.resource();
         if (resource != nullptr && (entry.value() & permissionValue) == permissionValue &&
