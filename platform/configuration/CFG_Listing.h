@@ -27,5 +27,6 @@ struct CFG_Entry {
 };
 
 /// What stands directly under the node at `path` of the configuration in force, by place; empty when there is no such
-/// node or no configuration. Any thread may call. Null where the configuration library does not offer it.
+/// node or no configuration. Throws CFG_Error as CFG_Factory::GetRepositoryServices does. Any thread may call. Null
+/// where the configuration library does not offer it.
 PLATFORM_EXPORT __attribute__((weak)) std::vector<CFG_Entry> CFG_ListEntries(const RWCString& path);

@@ -96,8 +96,13 @@ TEST_F(TomlRepositoryTest, PutsManyFilesTogether)
 TEST_F(TomlRepositoryTest, CountsNestingBeforeTheParserWould)
 {
     const std::string noNames = Repeated(300, ".[{");
-    Write("c.toml", "t = \"\\\"" + noNames + "\" # \"\nu = '''\n'" + noNames + "''''\n# \"" + noNames + "\n" +
-                        Repeated(199, "a.") + "b = 1\n[" + Repeated(98, "c.") + "c]\n" + Repeated(100, "d.") + "d = 1");
+    std::string entries;
+    for (int number = 0; number < 300; ++number) {
+        entries += "n" + std::to_string(number) + ".a = 1, ";
+    }
+    Write("c.toml", "i = 1 # " + noNames + "\nj = {" + entries + "c = 1}\nt = \"\\\"" + noNames +
+                        "\" # \"\nu = '''\n'" + noNames + "''''\n# \"" + noNames + "\n" + Repeated(199, "a.") +
+                        "b = 1\n[" + Repeated(98, "c.") + "c]\n" + Repeated(100, "d.") + "d = 1");
     Load("c.toml");
     EXPECT_EQ(Ask("value", "t"), "\"" + noNames);
     EXPECT_EQ(Ask("value", "u"), "'" + noNames + "'");

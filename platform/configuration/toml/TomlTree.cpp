@@ -106,6 +106,7 @@ private:
         const toml::key* key;
         const toml::node* value;
         Entry* entry;
+        bool isNew;
 
         // As they stand in the file.
         bool operator<(const Item& other) const { return key->source().begin < other.key->source().begin; }
@@ -113,33 +114,42 @@ private:
 
     void Merge(Node& node, const toml::table& table)
     {
-        const auto earlier = static_cast<std::ptrdiff_t>(node.entries.size());
+        const std::size_t earlier = node.entries.size();
+        const std::size_t first = items.size();
+        AddItems(node.entries, table);
+        for (std::size_t index = first, end = items.size(); index < end; ++index) {
+            const Item item = items[index]; // a copy, for tables in it add theirs
+            MergeItem(node, item);
+        }
+        items.resize(first);
+        std::inplace_merge(node.entries.begin(), node.entries.begin() + static_cast<std::ptrdiff_t>(earlier),
+                           node.entries.end(),
+                           [](const Entry& left, const Entry& right) { return left.name < right.name; });
+    }
+
+    // In the order of the file. New entries stand behind the others, sorted among themselves, and empty.
+    void AddItems(std::pmr::vector<Entry>& entries, const toml::table& table)
+    {
         const auto first = static_cast<std::ptrdiff_t>(items.size());
-        MakeRoom(node.entries, table.size()); // so that no entry moves meanwhile
-        const std::span earlierEntries(node.entries.begin(), node.entries.size());
-        for (auto&& [key, value] : table) { // by name, so that the new entries are sorted
-            Entry* entry = Find(earlierEntries, key.str());
-            items.push_back({&key, &value, entry != nullptr ? entry : &node.entries.emplace_back(Keep(key.str()))});
+        MakeRoom(entries, table.size()); // so that no entry moves meanwhile
+        const std::span earlier(entries.data(), entries.size());
+        for (auto&& [key, value] : table) { // by name
+            Entry* found = Find(earlier, key.str());
+            Entry* entry = found != nullptr ? found : &entries.emplace_back(Keep(key.str()));
+            items.push_back({&key, &value, entry, found == nullptr});
         }
         if (!std::is_sorted(items.begin() + first, items.end())) {
             std::sort(items.begin() + first, items.end());
         }
-        for (auto index = first, end = static_cast<std::ptrdiff_t>(items.size()); index < end; ++index) {
-            const Item item = items[static_cast<std::size_t>(index)]; // a copy, for tables in it add theirs
-            MergeItem(node, item, item.entry - node.entries.data() >= earlier);
-        }
-        items.erase(items.begin() + first, items.end());
-        std::inplace_merge(node.entries.begin(), node.entries.begin() + earlier, node.entries.end(),
-                           [](const Entry& left, const Entry& right) { return left.name < right.name; });
     }
 
-    void MergeItem(Node& node, const Item& item, bool isNew)
+    void MergeItem(Node& node, const Item& item)
     {
         const Place place = PlaceOf(item.key->source().begin);
         Entry& entry = *item.entry;
         CheckName(entry.name, place);
         const toml::table* child = item.value->as_table();
-        if (isNew) {
+        if (item.isNew) {
             entry.place = place;
             if (child != nullptr) {
                 entry.node = new (tree.memory.allocate(sizeof(Node), alignof(Node))) Node(tree.memory);

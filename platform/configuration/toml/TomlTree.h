@@ -41,7 +41,7 @@ struct Node {
 /// Large configurations are hundreds of thousands of nodes and texts. All are in the tree's memory, which goes as a
 /// whole: no node is destroyed one by one, but for the root.
 struct Tree {
-    std::pmr::monotonic_buffer_resource memory;
+    std::pmr::monotonic_buffer_resource memory{std::pmr::new_delete_resource()}; // not what a host makes the default
     std::vector<std::string> files; ///< As their names were given or found.
     Node root{memory};
 };
