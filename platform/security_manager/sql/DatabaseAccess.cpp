@@ -71,8 +71,11 @@ std::string ReasonOf(const std::runtime_error& error)
 
 std::string RowPlace::Text() const
 {
-    return userName.data() != nullptr ? std::string(table) + " of '" + std::string(userName) + "'"
-                                      : "the row of " + std::string(table) + " at position " + std::to_string(position);
+    if (userName.data() != nullptr) {
+        return std::string(table) + " of '" + std::string(userName) + "'";
+    }
+    return position ? std::string("the row of ") + table + " at position " + std::to_string(*position)
+                    : std::string("a row of ") + table;
 }
 
 // The interfaces hand texts out up to their first NUL; cut short they would be other names and other resources.

@@ -5,6 +5,7 @@
 
 #include <soci/soci.h>
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -26,11 +27,11 @@ soci::postgresql_session_backend* PostgreSqlOf(soci::session& session);
 /// What went wrong, in one line: databases explain themselves in several.
 std::string ReasonOf(const std::runtime_error& error);
 
-/// Where an administrator finds a row: a user's by the name, a permission's by its position.
+/// Where an administrator finds a row: a user's by the name, a permission's by its position; some row, without both.
 struct RowPlace {
     const char* table;
     std::string_view userName = {};
-    long long position = 0;
+    std::optional<long long> position = {};
 
     std::string Text() const;
 };

@@ -16,7 +16,8 @@ constexpr std::size_t pageSize = 1000;
 class SqlListing final : public SECM_ListingInterface {
 public:
     SqlListing(const std::string& connectionText, unsigned timeoutSeconds)
-        : session(ParametersOf(connectionText, timeoutSeconds)), timeLimit(session, timeoutSeconds)
+        : text(connectionText), session(ParametersOf(connectionText, timeoutSeconds)),
+          timeLimit(session, timeoutSeconds)
     {
         timeLimit.Keep([&] { SetUp(session, timeoutSeconds); });
     }
@@ -29,9 +30,8 @@ public:
             "listing the users", byName, handle,
             [&](soci::statement& page) { page.exchange(soci::into(name.text, name.indicator)); },
             [&](soci::statement& page, const std::string& last) { page.exchange(soci::use(last, "last")); },
-            [&] {
-                return name.At({"security_user", name.text});
-            });
+            [&] { return name.At(PlaceOf("security_user", name)); },
+            [](const std::string& one, const std::string& other) { return one == other; });
     }
 
     void ForEachGrant(const std::function<void(const SECM_Grant&)>& handle) override
@@ -53,7 +53,8 @@ public:
             [&]() -> SECM_Grant {
                 const RowPlace place{"security_permission", {}, row.position};
                 return {row.position, granteeType.At(place) == "group", grantee.At(place), row.Permission()};
-            });
+            },
+            [](const SECM_Grant& one, const SECM_Grant& other) { return one.position == other.position; });
     }
 
     void ForEachAttribute(const std::function<void(const SECM_Attribute&)>& handle) override
@@ -75,8 +76,11 @@ public:
                 page.exchange(soci::use(last.name, "lastName"));
             },
             [&]() -> SECM_Attribute {
-                const RowPlace place{"security_attribute", user.text};
+                const RowPlace place = PlaceOf("security_attribute", user);
                 return {user.At(place), name.At(place), value.At(place)};
+            },
+            [](const SECM_Attribute& one, const SECM_Attribute& other) {
+                return one.userName == other.userName && one.name == other.name;
             });
     }
 
@@ -87,24 +91,31 @@ private:
         std::string order;
     };
 
+    // Of a user's row, whose name may be what it lacks.
+    static RowPlace PlaceOf(const char* table, const TextColumn& userName)
+    {
+        return userName.indicator == soci::i_null ? RowPlace{table} : RowPlace{table, userName.text};
+    }
+
     // By pages, each behind the last row of the one before: a statement that stayed open while a long list is worked
     // on would keep others from writing, and some databases would send all of it at once. A page is whole before its
-    // rows are handled, for which there is no time limit.
-    template <class Row, class BindRow, class BindLast, class TakeRow>
+    // rows are handled, for which there is no time limit. The row that stands behind a page begins the next one, or
+    // rows would be left out or come again without end: those whose key another row has too, or is no text.
+    template <class Row, class BindRow, class BindLast, class TakeRow, class HasSameKey>
     void ReadPages(const char* name, const Statement& statement, const std::function<void(const Row&)>& handle,
-                   BindRow bindRow, BindLast bindLast, TakeRow takeRow)
+                   BindRow bindRow, BindLast bindLast, TakeRow takeRow, HasSameKey hasSameKey)
     {
-        const std::string page = " ORDER BY " + statement.order + " LIMIT " + std::to_string(pageSize);
+        const std::string page = " ORDER BY " + statement.order + " LIMIT " + std::to_string(pageSize + 1);
         std::vector<Row> rows;
         do {
-            const std::vector<Row> before = std::move(rows);
+            const std::vector<Row> before = std::move(rows); // and the first row of this page
             rows.clear();
             try {
                 timeLimit.Keep([&] {
                     soci::statement select(session);
                     bindRow(select);
                     if (!before.empty()) {
-                        bindLast(select, before.back());
+                        bindLast(select, before.at(pageSize - 1));
                     }
                     select.alloc();
                     select.prepare(statement.select + (before.empty() ? "" : " WHERE " + statement.behindLast) + page);
@@ -114,13 +125,20 @@ private:
                         rows.push_back(takeRow());
                     }
                 });
+                if (!before.empty() && (rows.empty() || !hasSameKey(rows.front(), before.back()))) {
+                    throw std::runtime_error("rows changed meanwhile, or two of them have the same " + statement.order +
+                                             ", or one that is no text or number; try again, then mend the table");
+                }
             } catch (const std::runtime_error& error) {
-                throw std::runtime_error(std::string(name) + ": " + ReasonOf(error));
+                throw std::runtime_error("the security database '" + WithoutSecrets(text, text) +
+                                         "' cannot be read: " + name + ": " + WithoutSecrets(text, ReasonOf(error)));
             }
-            std::for_each(rows.begin(), rows.end(), handle);
-        } while (rows.size() == pageSize);
+            std::for_each(rows.begin(), rows.begin() + static_cast<std::ptrdiff_t>(std::min(rows.size(), pageSize)),
+                          handle);
+        } while (rows.size() > pageSize);
     }
 
+    std::string text;
     soci::session session;
     TimeLimit timeLimit;
 };
