@@ -53,6 +53,17 @@ std::size_t TextCount(const FieldAccount& field)
                                                   [](const ConditionAccount& each) { return !each.text.empty(); }));
 }
 
+// The names of the fields that restrict on both sides, in the order of the first.
+std::vector<std::string> RestrictingOnBoth(const std::vector<std::string>& names, const Account& account,
+                                           const std::vector<std::string>& otherNames, const Account& other)
+{
+    std::vector<std::string> common;
+    std::copy_if(names.begin(), names.end(), std::back_inserter(common), [&](const std::string& name) {
+        return Restricts(Find(name, names, account)) && Restricts(Find(name, otherNames, other));
+    });
+    return common;
+}
+
 std::size_t ClauseCount(const Account& account)
 {
     return static_cast<std::size_t>(std::count_if(account.fields.begin(), account.fields.end(),
@@ -167,6 +178,27 @@ void AccessComparison::CompareFields(const Account& old, const Account& now, Use
         user.change = Change::changed;
         user.because = "filter_delimiter is another";
     }
+    // What is not in parentheses means something else beside others.
+    if (RestrictingOnBoth(before.fields, old, after.fields, now) !=
+        RestrictingOnBoth(after.fields, now, before.fields, old)) {
+        user.change = Change::changed;
+        user.because = "the fields stand in another order";
+    }
+}
+
+std::vector<SettingChange> AccessComparison::CompareSettings() const
+{
+    std::vector<SettingChange> changes;
+    const auto compare = [&](const char* setting, const char* users, const std::string& was, const std::string& is) {
+        if (was != is) {
+            const Change change = is.empty() ? Change::wider : was.empty() ? Change::narrower : Change::changed;
+            changes.push_back({setting, users, change, was, is});
+        }
+    };
+    compare("default_filter", "users who are not known", before.language.defaultFilter, after.language.defaultFilter);
+    compare("hide_all_filter", "users from whom every record is to be hidden", before.language.hideAllFilter,
+            after.language.hideAllFilter);
+    return changes;
 }
 
 FieldChange AccessComparison::CompareField(const std::string& name, const FieldAccount* old,

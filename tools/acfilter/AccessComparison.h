@@ -31,8 +31,18 @@ struct UserChange {
     std::vector<FieldChange> fields; ///< That differ.
 };
 
+/// A filter that is written in the settings. Users to whom it goes differ whether or not there are any today.
+struct SettingChange {
+    const char* setting;
+    const char* users; ///< To whom it goes.
+    Change change;     ///< Wider or narrower only where one of the two is empty.
+    std::string before;
+    std::string after;
+};
+
 /// What, besides clauses, makes a filter what it is.
 struct FilterLanguage {
+    std::string defaultFilter;
     std::string hideAllFilter;
     std::string filterDelimiter;
     std::string singleEqualOperator;
@@ -51,6 +61,9 @@ public:
 
     /// Of two answers to one request. The managers that gave them live.
     UserChange Compare(const Account& before, const Account& after) const;
+
+    /// Those that differ.
+    std::vector<SettingChange> CompareSettings() const;
 
 private:
     void CompareFields(const Account& before, const Account& after, UserChange& user) const;

@@ -1,5 +1,6 @@
 #include "tools/acfilter/Comparison.h"
 
+#include <algorithm>
 #include <utility>
 
 Comparison::Comparison(ComparisonHead comparisonHead, bool forPrograms, bool isFull)
@@ -14,6 +15,12 @@ void Comparison::Add(const UserChange& user)
     if (kind < users.size()) {
         users.at(kind).Write(isForPrograms ? UserChangeJson(user) : UserChangeText(user, areTextsWhole));
     }
+}
+
+bool Comparison::Holds(Change change) const
+{
+    return CountOf(change) != 0 || std::any_of(settings.begin(), settings.end(),
+                                               [change](const SettingChange& each) { return each.change == change; });
 }
 
 void Comparison::WriteTo(OutputFile& output)

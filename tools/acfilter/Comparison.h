@@ -24,7 +24,13 @@ public:
     Comparison(ComparisonHead comparisonHead, bool forPrograms, bool isFull);
 
     void Add(const UserChange& user);
+    void Add(const SettingChange& setting) { settings.push_back(setting); }
     unsigned long long CountOf(Change change) const { return counts.at(static_cast<std::size_t>(change)); }
+
+    /// Of a user or a setting.
+    bool Holds(Change change) const;
+
+    const std::vector<SettingChange>& Settings() const { return settings; }
 
     /// Once, at the end. This and Add throw std::runtime_error when something cannot be written.
     void WriteTo(OutputFile& output);
@@ -34,6 +40,7 @@ public:
 private:
     bool isForPrograms;
     bool areTextsWhole;
+    std::vector<SettingChange> settings;
     std::array<unsigned long long, 4> counts{};
     std::array<Spool, toldChanges.size()> users = {Spool(""), Spool(""), Spool("")};
 };

@@ -13,6 +13,13 @@ std::string SummaryJson(const Comparison& comparison)
     for (const Change change : {Change::wider, Change::changed, Change::narrower, Change::same}) {
         object[NameOf(change)] = comparison.CountOf(change);
     }
+    object["settings"] = Json::array();
+    for (const SettingChange& setting : comparison.Settings()) {
+        object["settings"].push_back({{"setting", setting.setting},
+                                      {"change", NameOf(setting.change)},
+                                      {"before", setting.before},
+                                      {"after", setting.after}});
+    }
     return JsonLine(object);
 }
 

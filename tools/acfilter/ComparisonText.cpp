@@ -29,6 +29,11 @@ std::string FilterText(const std::string& filter, bool isFull)
     return filter.empty() ? std::string("(") + noRestriction + ")" : ShortText(filter, isFull);
 }
 
+std::string BeforeAndNow(const std::string& before, const std::string& now, bool isFull)
+{
+    return LabelledLine(3, "before", FilterText(before, isFull)) + LabelledLine(3, "now", FilterText(now, isFull));
+}
+
 } // namespace
 
 std::string SummaryText(const Comparison& comparison)
@@ -44,13 +49,22 @@ std::string SummaryText(const Comparison& comparison)
     for (const std::string& field : head.excluding) {
         excluding += (excluding.empty() ? "" : ", ") + Printable(field);
     }
+    std::string settings;
+    for (const SettingChange& setting : comparison.Settings()) {
+        settings +=
+            LabelledLine(0, "Setting",
+                         std::string(setting.setting) + ": " + NameOf(setting.change) + " for " + setting.users) +
+            BeforeAndNow(setting.before, setting.after, true);
+    }
     return LabelledLine(0, "Repository", Quoted(head.repository)) + LabelledLine(0, "Before", Printable(head.before)) +
            LabelledLine(0, "After",
                         Printable(head.after) + (head.hasOtherDatabase ? ", with another security database" : "")) +
            LabelledLine(0, "Users",
                         std::to_string(all) + ": " + kinds + std::to_string(comparison.CountOf(Change::same)) +
                             " the same") +
-           LabelledLine(0, "Assumed", "each further value of a field shows more records, each further field fewer") +
+           settings +
+           LabelledLine(0, "Assumed", "each further value of a field shows more records, each further field fewer;") +
+           LabelledLine(0, "", "a template means the same beside others, and for one value as for several") +
            (excluding.empty()
                 ? LabelledLine(0, "", "(name fields whose values are left out of what is shown: --excluding)")
                 : LabelledLine(0, "", "excluding, so that each further value shows fewer: " + excluding));
@@ -66,8 +80,7 @@ std::string UserChangeText(const UserChange& user, bool isFull)
         text += FieldText(field, isFull);
     }
     if (user.change == Change::changed) {
-        text += LabelledLine(3, "before", FilterText(user.before.filter, isFull)) +
-                LabelledLine(3, "now", FilterText(user.after.filter, isFull));
+        text += BeforeAndNow(user.before.filter, user.after.filter, isFull);
     }
     return text;
 }

@@ -33,7 +33,8 @@ public:
 
     FilterLanguage Language() const
     {
-        return {hideAllFilter,
+        return {defaultFilter,
+                hideAllFilter,
                 filterDelimiter,
                 singleEqualOperator,
                 {multipleEqualOperator, valueMultiplicityDelimiter, valueMultiplicityPrefix, valueMultiplicitySuffix}};
@@ -133,6 +134,10 @@ void CompareUsers(const DiffOptions& options, Comparison& comparison)
     RequireFields(options.excluding, before->rules, after->rules);
     const AccessComparison rules(before->rules, after->rules, {options.excluding.begin(), options.excluding.end()});
 
+    for (const SettingChange& setting : rules.CompareSettings()) {
+        comparison.Add(setting);
+    }
+
     Progress progress(false);
     const auto compare = [&](const std::string& name, bool onlyIfNew) {
         const Request request{name, options.request.ipAddress, options.request.withoutLogin};
@@ -161,7 +166,7 @@ void Diff(const DiffOptions& options, ExitStatus& status)
     CompareUsers(options, comparison);
     comparison.WriteTo(output);
     output.Finish();
-    if (comparison.CountOf(Change::wider) != 0 || (options.isStrict && comparison.CountOf(Change::changed) != 0)) {
+    if (comparison.Holds(Change::wider) || (options.isStrict && comparison.Holds(Change::changed))) {
         status = wider;
     }
 }
