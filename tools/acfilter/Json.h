@@ -7,11 +7,8 @@
 
 using Json = nlohmann::ordered_json;
 
-/// One object on one line; bytes that are not UTF-8 become U+FFFD.
-inline std::string JsonLine(const Json& object)
-{
-    return object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
-}
+/// One object on one line; bytes that are not UTF-8 become U+FFFD, and nothing in it controls a terminal.
+std::string JsonLine(const Json& object);
 
 inline Json TextOrNull(const std::string& text)
 {

@@ -1,8 +1,5 @@
 #include "tools/acfilter/Printable.h"
 
-namespace {
-
-// The length of the control character that `text` begins with, in UTF-8; 0: it begins with none.
 std::size_t ControlLength(std::string_view text)
 {
     const auto byte = [text](std::size_t index) {
@@ -22,8 +19,6 @@ std::size_t ControlLength(std::string_view text)
                                 (byte(1) == 0x81 && byte(2) >= 0xa6 && byte(2) <= 0xa9);
     return byte(0) == 0xe2 && turnsDirection ? 3 : 0;
 }
-
-} // namespace
 
 std::string Printable(std::string_view text)
 {
