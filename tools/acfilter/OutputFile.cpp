@@ -15,6 +15,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// As many as the system itself follows.
+constexpr int mostLinks = 40;
+
 // Of the one file that is being written; its owner keeps the text.
 const char* volatile unfinished = nullptr;
 
@@ -52,7 +55,10 @@ mode_t ModeFor(const std::string& path)
 std::string PlaceOf(const std::string& path)
 {
     std::error_code none;
-    const fs::path place = fs::is_symlink(path, none) && fs::exists(path, none) ? fs::canonical(path) : fs::path(path);
+    fs::path place = path;
+    for (int links = 0; links < mostLinks && fs::is_symlink(place, none); ++links) {
+        place = place.parent_path() / fs::read_symlink(place);
+    }
     if (!place.has_filename() || (fs::exists(place, none) && !fs::is_regular_file(place, none))) {
         throw std::runtime_error("--output '" + path +
                                  "' is no file; name one, or leave the option out to write to standard output");
