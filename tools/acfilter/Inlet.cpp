@@ -1,17 +1,8 @@
 #include "tools/acfilter/Inlet.h"
 
+#include "tools/acfilter/OpenQuote.h"
+
 #include <algorithm>
-
-namespace {
-
-// The quote that stands right before `at`; empty: none does.
-std::string QuoteBefore(const std::string& text, std::size_t at)
-{
-    const bool isQuote = at > 0 && std::string_view("'\"`").find(text[at - 1]) != std::string_view::npos;
-    return isQuote ? text.substr(at - 1, 1) : "";
-}
-
-} // namespace
 
 void Tally::Add(const std::string& one)
 {
@@ -33,11 +24,12 @@ Inlet::Inlet(const CheckedScope& scope, const std::string& token, std::string at
     if (at == std::string::npos) {
         return; // nothing goes in
     }
-    quotes = QuoteBefore(condition.conditionText, at);
+    const std::string before = condition.conditionText.substr(0, at);
+    quotes = OpenQuote(before);
     disturbing = scope.condition.tokens;
     disturbing.insert(disturbing.end(), {std::string(valuesPlaceholder), std::string(equalOperatorPlaceholder)});
     if (!isToken) {
-        quotes += QuoteBefore(manager.valueMultiplicityPrefix, manager.valueMultiplicityPrefix.size());
+        quotes += OpenQuote(before + manager.valueMultiplicityPrefix);
         disturbing.push_back(manager.valueMultiplicityDelimiter);
     }
     std::erase(disturbing, "");

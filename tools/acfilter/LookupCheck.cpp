@@ -6,6 +6,8 @@
 #include "tools/acfilter/KnownKeys.h"
 #include "tools/acfilter/Spelling.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr const char* thisValueIsEmpty =
@@ -88,24 +90,61 @@ void CodesWithoutName(const CheckedScope& scope, Report& report)
     }
 }
 
-void SitesWithoutIssuer(const CheckedScope& scope, Report& report)
+bool HasIssuer(const std::string& path)
 {
-    CFG_RepositoryServices& root = *CFG_Factory::GetRepositoryServices();
-    const auto hasValue = [&](const std::string& path) { return *root.GetValueByPath(path) != '\0'; };
-    if (!Maps(scope, "SiteIdToIssuer") ||
-        hasValue(std::string(configuration_paths::system) + configuration_paths::issuer)) {
+    return *CFG_Factory::GetRepositoryServices()->GetValueByPath(path + configuration_paths::issuer) != '\0';
+}
+
+// Of the site or the system at `path`, which has no issuer, a name on the way to it that was probably meant otherwise.
+// False: there is none.
+bool MisspeltIssuer(std::string path, Report& shared)
+{
+    std::string_view rest = configuration_paths::issuer;
+    while (!rest.empty()) {
+        rest.remove_prefix(1);
+        const std::string name(rest.substr(0, rest.find('\\')));
+        const std::vector<CFG_Entry> entries = CFG_ListEntries(path);
+        const auto isName = [&](const CFG_Entry& entry) { return entry.name == name; };
+        if (std::none_of(entries.begin(), entries.end(), isName)) {
+            const auto near = std::find_if(entries.begin(), entries.end(), [&](const CFG_Entry& entry) {
+                return !Nearest(entry.name, {name}).empty();
+            });
+            if (near != entries.end()) {
+                shared.Warn("AC031", near->place, "the key " + Quoted(near->name) + " is read by nobody",
+                            "users' filters hold the issuer of all sites in place of this one, or the empty text",
+                            "did you mean " + Quoted(name) + "?");
+            }
+            return near != entries.end();
+        }
+        path += "\\" + name;
+        rest.remove_prefix(name.size());
+    }
+    return false; // its value is empty
+}
+
+void Issuers(const CheckedScope& scope, Report& report)
+{
+    if (!Maps(scope, "SiteIdToIssuer")) {
         return;
     }
     const char* remedy = "write its value under applications.norvale.pix.assigning_authority, or one for all sites "
                          "under [zarvona.system.applications.norvale.pix.assigning_authority]";
     const std::string sites = configuration_paths::sites;
-    if (TableNames(sites).empty()) {
-        report.Warn("AC026", scope.PlaceOf("values_function"), "there is no site, and no issuer for all sites",
-                    everyValueIsEmpty, remedy);
-    }
+    const bool hasDefault = HasIssuer(configuration_paths::system);
     Report shared = report.Shared();
+    if (!hasDefault) {
+        MisspeltIssuer(configuration_paths::system, shared);
+        if (TableNames(sites).empty()) {
+            report.Warn("AC026", scope.PlaceOf("values_function"), "there is no site, and no issuer for all sites",
+                        everyValueIsEmpty, remedy);
+        }
+    }
     for (const CFG_Entry& site : CFG_ListEntries(sites)) {
-        if (site.isNode && !hasValue(sites + "\\" + site.name + configuration_paths::issuer)) {
+        const std::string path = sites + "\\" + site.name;
+        if (!site.isNode || HasIssuer(path)) {
+            continue;
+        }
+        if (!MisspeltIssuer(path, shared) && !hasDefault) {
             shared.Warn("AC026", site.place,
                         "the site " + Quoted(site.name) + " has no issuer, and there is none for all sites",
                         thisValueIsEmpty, remedy);
@@ -150,6 +189,9 @@ void MandatoryButNotReplaced(const CheckedScope& scope, Report& report)
 
 void ReplacedButNotWritten(const CheckedScope& scope, Report& report)
 {
+    if (scope.condition.fillsTokens && scope.condition.Has(valuesPlaceholder)) {
+        return; // the tokens are too many there, and not the template too short
+    }
     for (const std::string& token : scope.condition.tokens) {
         if (!scope.condition.Has(token)) {
             report.Warn("AC029", scope.PlaceOf("replace_fields"),
@@ -164,7 +206,7 @@ void ReplacedButNotWritten(const CheckedScope& scope, Report& report)
 
 void CheckLookups(const CheckedScope& scope, Report& report)
 {
-    for (const auto rule : {UnknownFunction, EmptyCodeTable, CodesWithoutName, SitesWithoutIssuer, UnframedTokens,
+    for (const auto rule : {UnknownFunction, EmptyCodeTable, CodesWithoutName, Issuers, UnframedTokens,
                             MandatoryButNotReplaced, ReplacedButNotWritten}) {
         rule(scope, report);
     }

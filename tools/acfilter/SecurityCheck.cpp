@@ -49,11 +49,10 @@ public:
             return condition.fillsTokens && condition.tokens.empty() && condition.Has(valuesPlaceholder);
         };
         const auto leavesTokens = [](const CheckedCondition& condition) {
-            return condition.fillsTokens && condition.HasToken();
+            return condition.fillsTokens && condition.HasToken() && !condition.Has(valuesPlaceholder);
         };
-        const auto takesValues = [](const CheckedCondition& condition) { return condition.Has(valuesPlaceholder); };
         leavingValues = First(leavesValues);
-        leavingTokens = First(takesValues) != nullptr ? nullptr : First(leavesTokens);
+        leavingTokens = First(leavesTokens);
         for (const CheckedCondition& condition : definition.conditions) {
             inlets.emplace_back(CheckedScope{repository, definition, condition}, "", "");
             AddTokens(condition);
@@ -113,8 +112,8 @@ private:
 
     void AddMyField()
     {
-        if (field.myField.empty()) {
-            return;
+        if (!IsFramed(field.myField)) {
+            return; // none, or one that is told about already
         }
         AttributeWatch& watch = attributes.emplace_back();
         watch = {AttributeName(field.myField), "my_field", definition.table.PlaceOf("my_field"), true, false, {}};
@@ -166,8 +165,8 @@ void GrantWatch::Tell(Report& report) const
     }
     if (others.count != 0 && leavingTokens != nullptr) {
         report.Error("AC046", definition.table.PlaceOf(leavingTokens->Key("condition")),
-                     "something else than %my%, for which the field '" + definition.field +
-                         "' has no %values%, is in " + others.Count("grant"),
+                     "something else than %my%, for which " + leavingTokens->Key("condition") + " of the field '" +
+                         definition.field + "' has no %values%, is in " + others.Count("grant"),
                      "the tokens stay as they are written in the filters of users who have them",
                      "grant %my%, or write a condition with %values% (and my_field for %my%)");
     }

@@ -108,12 +108,26 @@ void StrangersSeeEverything(const CheckedRepository& repository, Report& report)
     }
 }
 
+void ValuesAreOneList(const CheckedRepository& repository, Report& report)
+{
+    const CheckedManager& manager = *repository.manager;
+    const bool isListed = !manager.valueMultiplicityPrefix.empty() || !manager.valueMultiplicitySuffix.empty();
+    if (manager.valueMultiplicityDelimiter.empty() && isListed && !FirstUse(repository, valuesPlaceholder).empty()) {
+        report.Warn("AC035", repository.table.PlaceOf("value_multiplicity_delimiter"),
+                    repository.table.Lack("value_multiplicity_delimiter") +
+                        "; value_multiplicity_prefix and value_multiplicity_suffix stand around the whole list only",
+                    "users with two values or more get them side by side (A and B as AB), which few query languages "
+                    "take for two",
+                    "write what stands between two values, such as value_multiplicity_delimiter = \"', '\"");
+    }
+}
+
 } // namespace
 
 void CheckSettings(const CheckedRepository& repository, Report& report)
 {
     for (const auto rule : {NothingIsHidden, HiddenLikeUnknown, NoFields, ValuesRunTogether, OperatorsAreEmpty,
-                            ClausesRunTogether, StrangersSeeEverything}) {
+                            ClausesRunTogether, StrangersSeeEverything, ValuesAreOneList}) {
         rule(repository, report);
     }
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <numeric>
+#include <utility>
 
 namespace {
 
@@ -17,18 +18,25 @@ int Lower(char character)
 
 std::size_t Distance(std::string_view left, std::string_view right)
 {
-    // Of what has been read of `left` to each beginning of `right`.
-    std::vector<std::size_t> distances(right.size() + 1);
-    std::iota(distances.begin(), distances.end(), std::size_t{0});
-    for (const char character : left) {
-        std::size_t diagonal = distances.front()++;
+    const auto isSame = [&](std::size_t ofLeft, std::size_t ofRight) {
+        return Lower(left[ofLeft]) == Lower(right[ofRight]);
+    };
+    // Of the beginnings of `left` that end here, one and two characters before, to each beginning of `right`.
+    std::vector<std::size_t> here(right.size() + 1);
+    std::iota(here.begin(), here.end(), std::size_t{0});
+    std::vector<std::size_t> before;
+    std::vector<std::size_t> twoBefore;
+    for (std::size_t row = 0; row < left.size(); ++row) {
+        twoBefore = std::exchange(before, here);
+        here[0] = row + 1;
         for (std::size_t at = 0; at < right.size(); ++at) {
-            const std::size_t changed = diagonal + (Lower(character) == Lower(right[at]) ? 0 : 1);
-            diagonal = distances[at + 1];
-            distances[at + 1] = std::min({changed, diagonal + 1, distances[at] + 1});
+            here[at + 1] = std::min({before[at] + (isSame(row, at) ? 0 : 1), before[at + 1] + 1, here[at] + 1});
+            if (row > 0 && at > 0 && isSame(row, at - 1) && isSame(row - 1, at)) {
+                here[at + 1] = std::min(here[at + 1], twoBefore[at - 1] + 1);
+            }
         }
     }
-    return distances.back();
+    return here.back();
 }
 
 std::string Nearest(const std::string& name, const std::vector<std::string>& names)

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-/// How many characters have to be changed, added or left out to make one text of the other; upper and lower case do not
-/// count.
+/// How many characters have to be changed, added, left out or swapped with the next to make one text of the other;
+/// upper and lower case do not count.
 std::size_t Distance(std::string_view left, std::string_view right);
 
 /// The one of `names` that `name` was probably meant to be; empty when none is near.

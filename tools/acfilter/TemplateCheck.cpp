@@ -1,6 +1,7 @@
 // What looks like a placeholder in a condition's template, and whether anybody fills it in.
 #include "tools/acfilter/ConfigurationCheck.h"
 
+#include "tools/acfilter/OpenQuote.h"
 #include "tools/acfilter/Spelling.h"
 
 #include <algorithm>
@@ -58,12 +59,20 @@ std::string Trimmed(const std::string& text)
     return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-// `word` stood between two percent signs. LIKE patterns do as well, so two slips are forgiven only behind the right
-// first letter: '%sales%' is no misspelt %values%.
-bool IsMisspelt(const std::string& word, const std::string& placeholder)
+bool IsAlike(std::string_view one, std::string_view other)
 {
+    return Distance(one, other) == 0;
+}
+
+// `word` stood between two percent signs. LIKE patterns do as well, so two slips are forgiven only behind the right
+// first letter: '%sales%' is no misspelt %values%. Outside of quotes nobody writes a pattern, and a part is enough.
+bool IsMisspelt(const std::string& word, const std::string& placeholder, bool isQuoted)
+{
+    constexpr std::size_t part = 3;
     const std::size_t distance = Distance(word, placeholder);
-    return distance < 2 || (distance == 2 && Distance(word.substr(0, 1), placeholder.substr(0, 1)) == 0);
+    return distance < 2 || (distance == 2 && IsAlike(word.substr(0, 1), placeholder.substr(0, 1))) ||
+           (!isQuoted && word.size() >= part &&
+            (IsAlike(word.substr(0, part), placeholder.substr(0, part)) || placeholder.ends_with(word)));
 }
 
 // The first misspelling of %NAME% in `text`, masked there once it is found; empty: none.
@@ -71,7 +80,8 @@ std::string TakeMisspelt(std::string& text, const std::string& name)
 {
     for (std::size_t start = text.find('%'); start != std::string::npos; start = text.find('%', start + 1)) {
         const std::size_t end = text.find('%', start + 1);
-        if (end != std::string::npos && IsMisspelt(Trimmed(text.substr(start + 1, end - start - 1)), name)) {
+        if (end != std::string::npos && IsMisspelt(Trimmed(text.substr(start + 1, end - start - 1)), name,
+                                                   !OpenQuote(text.substr(0, start)).empty())) {
             std::string found = text.substr(start, end - start + 1);
             std::fill(text.begin() + static_cast<long>(start), text.begin() + static_cast<long>(end) + 1, mask);
             return found;
