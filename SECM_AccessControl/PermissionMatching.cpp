@@ -4,12 +4,25 @@
 #include "platform/security_manager/PermissionListInterface.h"
 
 #include <algorithm>
-#include <cstring>
+#include <string_view>
 
 namespace {
 
 // What a permission for a resource that is not listed falls back to.
 constexpr const char* defaultResource = "default";
+
+// Compares while it looks for the end, for most names differ early. No entry's name holds a NUL.
+bool IsNamed(const PermissionBase& entry, std::string_view name)
+{
+    const char* next = entry.name();
+    for (const char character : name) {
+        if (*next != character || character == '\0') {
+            return false;
+        }
+        ++next;
+    }
+    return *next == '\0';
+}
 
 const PermissionBase* FindEqual(const std::vector<PermissionBase>& entries, const PermissionBase& permission)
 {
@@ -39,15 +52,12 @@ bool SECM_AccessControlManager::GetResourcesFromList(PermissionListInterface* pe
                                                      const std::string& permissionName, unsigned permissionValue,
                                                      std::vector<std::string>& resources)
 {
-    if (permissionName.find('\0') != std::string::npos) {
-        return true; // no entry's name holds a NUL
-    }
     const std::vector<PermissionBase>& entries = *permissionList->GetPermissions();
     resources.reserve(resources.size() + entries.size()); // less than the list itself takes
     for (const PermissionBase& entry : entries) {
         const char* resource = entry.resource();
         if (resource != nullptr && (entry.value() & permissionValue) == permissionValue &&
-            std::strcmp(entry.name(), permissionName.c_str()) == 0) {
+            IsNamed(entry, permissionName)) {
             resources.emplace_back(resource);
         }
     }

@@ -145,6 +145,8 @@ private:
     {
         Lines found = {"kept"};
         const bool told = manager->GetResourcesFromList(ScriptedPermissionList(), "p", value, found);
+        // No name is this one, though some are up to its NUL.
+        manager->GetResourcesFromList(ScriptedPermissionList(), std::string("p\0a", 3), value, found);
         return Truth(told) + Joined(found);
     }
 
