@@ -1,6 +1,7 @@
 #include "tools/acfilter/Printable.h"
 
 #include "tests/Cases.h"
+#include "tools/acfilter/Json.h"
 
 namespace {
 
@@ -12,6 +13,16 @@ TEST_P(PrintableTest, IsHarmlessToATerminal)
     EXPECT_EQ(Printable(text), GetParam().at(2));
     // What stands behind the text, and would make a control character of its end, is not looked at.
     EXPECT_EQ(Printable(std::string_view(text + "\x8e").substr(0, text.size())), GetParam().at(2));
+}
+
+TEST_P(PrintableTest, IsHarmlessInJsonAndStaysWhatItIs)
+{
+    const Json object = {{"text", GetParam().at(1)}};
+    std::string line = JsonLine(object);
+    EXPECT_EQ(Json::parse(line), Json::parse(object.dump(-1, ' ', true, Json::error_handler_t::replace)));
+    EXPECT_EQ(line.back(), '\n');
+    line.pop_back();
+    EXPECT_EQ(Printable(line), line);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, PrintableTest, testing::ValuesIn(CaseRows("printable.txt")), CaseName);

@@ -28,17 +28,18 @@ std::string JsonLine(const Json& object)
 {
     // The library escapes only what JSON itself forbids.
     const std::string dumped = object.dump(-1, ' ', false, Json::error_handler_t::replace);
+    const std::string_view text = dumped;
     std::string line;
-    line.reserve(dumped.size() + 1);
-    for (std::string_view rest = dumped; !rest.empty();) {
-        const std::size_t length = ControlLength(rest);
+    line.reserve(text.size() + 1);
+    for (std::size_t at = 0; at < text.size();) {
+        const bool mayControl = static_cast<unsigned char>(text[at]) >= 0x7f; // most do not
+        const std::size_t length = mayControl ? ControlLength(text.substr(at)) : 0;
         if (length == 0) {
-            line += rest.front();
-            rest.remove_prefix(1);
+            line += text[at++];
         } else {
-            line += Escaped(rest.substr(0, length));
-            rest.remove_prefix(length);
+            line += Escaped(text.substr(at, length));
+            at += length;
         }
     }
-    return line + "\n";
+    return line += '\n';
 }
