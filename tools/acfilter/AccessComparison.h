@@ -31,7 +31,7 @@ struct UserChange {
     std::vector<FieldChange> fields; ///< That differ.
 };
 
-/// A filter that is written in the settings. Users to whom it goes differ whether or not there are any today.
+/// A filter that stands in the settings and is another, whether or not it goes to anybody today.
 struct SettingChange {
     const char* setting;
     const char* users; ///< To whom it goes.

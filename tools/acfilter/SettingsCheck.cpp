@@ -52,11 +52,20 @@ std::string FirstUse(const CheckedRepository& repository, std::string_view place
     return "";
 }
 
+bool LacksDelimiter(const CheckedRepository& repository)
+{
+    return repository.manager->valueMultiplicityDelimiter.empty() && !FirstUse(repository, valuesPlaceholder).empty();
+}
+
+// Whether something stands around a list of values.
+bool IsListFramed(const CheckedManager& manager)
+{
+    return !manager.valueMultiplicityPrefix.empty() || !manager.valueMultiplicitySuffix.empty();
+}
+
 void ValuesRunTogether(const CheckedRepository& repository, Report& report)
 {
-    const CheckedManager& manager = *repository.manager;
-    if (manager.valueMultiplicityDelimiter.empty() && manager.valueMultiplicityPrefix.empty() &&
-        manager.valueMultiplicitySuffix.empty() && !FirstUse(repository, valuesPlaceholder).empty()) {
+    if (LacksDelimiter(repository) && !IsListFramed(*repository.manager)) {
         report.Error("AC009", repository.table.PlaceOf("value_multiplicity_delimiter"),
                      repository.table.Lack("value_multiplicity_delimiter") +
                          ", and so are value_multiplicity_prefix and value_multiplicity_suffix",
@@ -108,11 +117,9 @@ void StrangersSeeEverything(const CheckedRepository& repository, Report& report)
     }
 }
 
-void ValuesAreOneList(const CheckedRepository& repository, Report& report)
+void ValuesOnlyFramed(const CheckedRepository& repository, Report& report)
 {
-    const CheckedManager& manager = *repository.manager;
-    const bool isListed = !manager.valueMultiplicityPrefix.empty() || !manager.valueMultiplicitySuffix.empty();
-    if (manager.valueMultiplicityDelimiter.empty() && isListed && !FirstUse(repository, valuesPlaceholder).empty()) {
+    if (LacksDelimiter(repository) && IsListFramed(*repository.manager)) {
         report.Warn("AC035", repository.table.PlaceOf("value_multiplicity_delimiter"),
                     repository.table.Lack("value_multiplicity_delimiter") +
                         "; value_multiplicity_prefix and value_multiplicity_suffix stand around the whole list only",
@@ -127,7 +134,7 @@ void ValuesAreOneList(const CheckedRepository& repository, Report& report)
 void CheckSettings(const CheckedRepository& repository, Report& report)
 {
     for (const auto rule : {NothingIsHidden, HiddenLikeUnknown, NoFields, ValuesRunTogether, OperatorsAreEmpty,
-                            ClausesRunTogether, StrangersSeeEverything, ValuesAreOneList}) {
+                            ClausesRunTogether, StrangersSeeEverything, ValuesOnlyFramed}) {
         rule(repository, report);
     }
 }
