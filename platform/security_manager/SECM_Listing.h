@@ -24,6 +24,13 @@ struct SECM_Attribute {
     std::string value;
 };
 
+/// Something about the connection that lets others than the administrators decide what is answered.
+struct SECM_Concern {
+    std::string problem;
+    std::string effect;
+    std::string remedy;
+};
+
 /// Each operation calls `handle` for one row after the other, in constant memory; what `handle` throws ends it and
 /// passes through. Throws std::runtime_error when it cannot go on, and never leaves rows out. One thread at a time.
 class SECM_ListingInterface {
@@ -36,6 +43,12 @@ public:
     virtual void ForEachGrant(const std::function<void(const SECM_Grant& grant)>& handle) = 0;
     /// All attributes, those of one user together.
     virtual void ForEachAttribute(const std::function<void(const SECM_Attribute& attribute)>& handle) = 0;
+
+    /// Looks through all that is stored for damage that a request may pass over, and throws when there is some. May
+    /// take long. A security manager that cannot tell finds none.
+    virtual void RequireSound() {}
+    /// What is to be mended about the connection itself; nothing where the security manager cannot tell.
+    virtual void ForEachConcern(const std::function<void(const SECM_Concern& concern)>& /*handle*/) {}
 };
 
 /// Connects, with the arguments of SecurityManagerInterface::Initialize. Throws std::runtime_error, without quoting

@@ -15,10 +15,14 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <map>
 #include <memory>
+#include <thread>
+#include <tuple>
 
 namespace {
 
+using testing::HasSubstr;
 using SecurityDatabaseTest = EngineTest;
 
 ON_BOTH_ENGINES(SecurityDatabaseTest);
@@ -100,6 +104,67 @@ TEST_P(SecurityDatabaseTest, ARequestThatMeetsABrokenDatabaseThrowsAndTheNextIsS
     }
 }
 
+// Each transaction moves a user from one group to another, and what is granted to the groups with them: the user is
+// restricted before and after. Anything between would not be.
+TEST_P(SecurityDatabaseTest, ARequestSeesEachTransactionWhollyOrNotAtAll)
+{
+    const std::string top = "[zarvona.system.applications.securitymanager.unified_access_control.";
+    Write("moves.toml", top + "repositories.r]\nhide_all_filter = 'none'\n" + top +
+                            "fields.f.r]\npermission_name = 'moved'\npermission_value = 1\ncondition1 = '%values%'\n");
+    const auto move = [](const std::string& to, const std::string& from) {
+        return "BEGIN; UPDATE security_user SET group_name = '" + to +
+               "' WHERE user_name = 'mover'; UPDATE security_permission SET resource = '" + to + "' WHERE grantee = '" +
+               to + "'; UPDATE security_permission SET resource = NULL WHERE grantee = '" + from + "'; COMMIT;\n";
+    };
+    Write("moves.sql", move("b", "a") + move("a", "b"));
+    Sql("INSERT INTO security_user VALUES ('mover', 'a'); INSERT INTO security_permission VALUES"
+        " (9001, 'group', 'a', 'moved', 1, 'a', 0), (9002, 'group', 'b', 'moved', 1, NULL, 0);");
+    setenv("CFG_REPOSITORY", Path("moves.toml").c_str(), 1);
+    CFG_Factory::Reload();
+    std::string repository = "r";
+    const std::unique_ptr<SECM_AccessControlInterface> accessControl(
+        SECM_AccessControlInterface::CreateInstance(repository));
+    ASSERT_TRUE(accessControl->InitSecurityConnection(connection.c_str(), 10));
+
+    Outcome written;
+    std::thread writer([&] {
+        written = Run(databaseCommands + "(echo '" + (isPostgreSql ? "" : ".timeout 10000\nPRAGMA synchronous = OFF;") +
+                      "'; while [ ! -e stop ]; do cat moves.sql; done) | " +
+                      (isPostgreSql ? "sql security" : "sqlite3 -bail security.db"));
+    });
+    std::map<std::string, int> answers;
+    for (int requests = 0; requests < 3000 || (answers.size() < 2 && requests < 100000); ++requests) {
+        ++answers[accessControl->GetAccessControlFilter("mover", "")];
+        ++answers[accessControl->GetAccessControlFilter("mover")];
+    }
+    Write("stop", "");
+    writer.join();
+    EXPECT_EQ(written.status, 0) << written.errors;
+    EXPECT_THAT(answers, testing::ElementsAre(testing::Key("a"), testing::Key("b")));
+}
+
+// What a list is answered from is what was read with the user, once: it may be asked for much later.
+TEST_P(SecurityDatabaseTest, AListIsReadAnewUnlessItFollowsItsUser)
+{
+    Sql("INSERT INTO security_user VALUES ('lister', 'g');");
+    SMADM_Interface* administration = getSECM_Interface("Test", 1);
+    ASSERT_TRUE(administration->Initialize(connection.c_str(), 5, "nonsecure"));
+    const auto count = [&](const char* group, const char* user) {
+        return std::unique_ptr<PermissionListInterface>(administration->GetPermissionList(group, user))
+            ->GetPermissions()
+            ->size();
+    };
+    for (const auto& [group, user, first] :
+         std::vector<std::tuple<const char*, const char*, std::size_t>>{{"g", "lister", 0}, {"G", "lister", 1}}) {
+        Sql("DELETE FROM security_permission WHERE position > 9000");
+        EXPECT_NE(administration->GetUserDetails(nullptr, "lister"), nullptr);
+        Sql("INSERT INTO security_permission VALUES (9001, 'user', 'lister', 'p', 1, NULL, 0)");
+        EXPECT_EQ(count(group, user), first) << group;
+        EXPECT_EQ(count("g", "lister"), 1U) << group;
+    }
+    releaseSECM_Interface(administration);
+}
+
 TEST_P(SecurityDatabaseTest, IsListedWholeOverManyPages)
 {
     Sql(Read(CASES_FOLDER "/many.sql"));
@@ -150,6 +215,44 @@ TEST_P(SecurityDatabaseTest, AForkedProcessConnectsByItself)
     }
     releaseSecurityManagerInterface(manager);
 }
+
+class ChangedFileTest : public WorkspaceTest, public testing::WithParamInterface<Lines> {};
+
+TEST_P(ChangedFileTest, IsReadAsItIsOrRefused)
+{
+    setenv("CFG_REPOSITORY", SAMPLE_FOLDER "/archive.toml", 1);
+    CFG_Factory::Reload();
+    for (const bool logsIn : {true, false}) {
+        std::filesystem::remove_all(Path("security.db"));
+        MakeDatabase("security.db", SampleText("security.sql"));
+        std::string repository = "documents";
+        const std::unique_ptr<SECM_AccessControlInterface> accessControl(
+            SECM_AccessControlInterface::CreateInstance(repository));
+        ASSERT_TRUE(accessControl->InitSecurityConnection(("sqlite3://db=" + Path("security.db")).c_str(), 1));
+        const auto answer = [&]() -> std::string {
+            try {
+                return logsIn ? accessControl->GetAccessControlFilter("hugo", "")
+                              : accessControl->GetAccessControlFilter("hugo");
+            } catch (const std::runtime_error& error) {
+                return error.what();
+            }
+        };
+        EXPECT_EQ(answer(), "department = ('Legal')");
+        const Outcome changed = Run("fleet() { sqlite3 $1 \"UPDATE security_permission SET resource = 'Fleet' WHERE "
+                                    "position = 1001\"; }; " +
+                                    GetParam().at(1));
+        EXPECT_EQ(changed.status, 0) << changed.errors;
+        EXPECT_THAT(answer(), HasSubstr(GetParam().at(2)));
+        EXPECT_THAT(answer(), HasSubstr(GetParam().at(2)));
+        std::filesystem::remove_all(Path("security.db"));
+        MakeDatabase("new.db", SampleText("security.sql"));
+        std::filesystem::rename(Path("new.db"), Path("security.db"));
+        EXPECT_EQ(answer(), "department = ('Legal')");
+        Run("rm -rf *.db*");
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(OfSqlite, ChangedFileTest, testing::ValuesIn(CaseRows("changed_files.txt")), CaseName);
 
 TEST(PermissionBaseTest, SurvivesSerialization)
 {

@@ -8,8 +8,12 @@
 AllowedTexts::AllowedTexts(const char* environmentVariable) : variable(environmentVariable)
 {
     const char* text = std::getenv(variable);
-    if (text == nullptr || *text == '\0') {
+    if (text == nullptr) {
         return;
+    }
+    if (*text == '\0') {
+        throw std::runtime_error(std::string(variable) +
+                                 " is empty; write a regular expression, or unset it to allow all");
     }
     expression = std::make_unique<re2::RE2>(text, re2::RE2::Quiet);
     if (!expression->ok()) {

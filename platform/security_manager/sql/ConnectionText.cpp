@@ -1,65 +1,215 @@
 #include "platform/security_manager/sql/ConnectionText.h"
 
+#include <libpq-fe.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <memory>
+#include <new>
 #include <stdexcept>
 #include <string_view>
+#include <vector>
 
 namespace {
 
-constexpr std::string_view sqlite = "sqlite3://";
-constexpr std::string_view postgresql = "postgresql://";
+constexpr std::string_view sqliteScheme = "sqlite3://";
+constexpr std::string_view postgreSqlScheme = "postgresql://";
+constexpr std::string_view schemeEnd = "://";
+constexpr std::string_view hidden = "***";
 
-// Whether `settings` is of the form KEY=VALUE..., as both databases take it, and not user:password@host.
-bool BeginsWithKey(std::string_view settings)
+// Of SQLite all keys are harmless, for others are refused.
+constexpr std::array<std::string_view, 6> sqliteKeys = {"db",       "dbname",       "timeout",
+                                                        "readonly", "shared_cache", "synchronous"};
+constexpr std::array<std::string_view, 12> harmlessPostgreSqlKeys = {"host",
+                                                                     "hostaddr",
+                                                                     "port",
+                                                                     "dbname",
+                                                                     "user",
+                                                                     "passfile",
+                                                                     "connect_timeout",
+                                                                     "client_encoding",
+                                                                     "sslmode",
+                                                                     "gssencmode",
+                                                                     "sslrootcert",
+                                                                     "target_session_attrs"};
+
+struct Setting {
+    std::string key;
+    std::string value;
+};
+
+bool IsTrue(std::string_view value)
 {
-    return settings.find('=') != std::string_view::npos &&
-           settings.find_first_not_of("abcdefghijklmnopqrstuvwxyz_ ") == settings.find('=');
+    return value == "1" || value == "true" || value == "yes" || value == "on";
 }
 
-// What could hold a password: all behind "password=", or everything where no KEY=VALUE begins the text.
-std::string SecretOf(const std::string& connectionText)
+unsigned SecondsOf(std::string_view value)
 {
-    const std::size_t scheme = connectionText.find("://");
-    const std::string settings = connectionText.substr(scheme == std::string::npos ? 0 : scheme + 3);
-    if (!BeginsWithKey(settings)) {
-        return settings.find('@') == std::string::npos ? "" : settings;
+    unsigned seconds = 0;
+    const char* end = value.data() + value.size();
+    if (const auto [stop, error] = std::from_chars(value.data(), end, seconds);
+        error != std::errc() || stop != end || seconds > longestTimeoutSeconds) {
+        throw std::runtime_error("timeout in the connection text is no number of seconds up to " +
+                                 std::to_string(longestTimeoutSeconds));
     }
-    const std::size_t value = settings.find('=', settings.find("password"));
-    return value == std::string::npos ? "" : settings.substr(value + 1);
+    return seconds;
+}
+
+// No input stream takes the text apart: one that runs out of memory never comes to its end.
+std::vector<Setting> SqliteSettingsOf(std::string_view text)
+{
+    std::vector<Setting> settings;
+    for (;;) {
+        text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+        if (text.empty()) {
+            return settings;
+        }
+        const std::size_t keyEnd = text.find_first_of("= ");
+        const std::string key(text.substr(0, keyEnd));
+        if (keyEnd == std::string_view::npos || text[keyEnd] != '=' ||
+            std::find(sqliteKeys.begin(), sqliteKeys.end(), key) == sqliteKeys.end()) {
+            throw std::runtime_error("write sqlite3://db=FILE; a file whose name holds blanks stands between double "
+                                     "quotes, and the other keys are timeout, readonly, shared_cache and synchronous");
+        }
+        text.remove_prefix(keyEnd + 1);
+        const bool isQuoted = text.starts_with('"');
+        text.remove_prefix(isQuoted ? 1 : 0);
+        const std::size_t valueEnd = text.find(isQuoted ? '"' : ' ');
+        if (isQuoted && valueEnd == std::string_view::npos) {
+            throw std::runtime_error("a double quote in the connection text is not closed");
+        }
+        settings.push_back({key, std::string(text.substr(0, valueEnd))});
+        text.remove_prefix(valueEnd == std::string_view::npos ? text.size() : valueEnd + 1);
+    }
+}
+
+SqliteAddress SqliteAddressOf(std::string_view text, unsigned timeoutSeconds)
+{
+    SqliteAddress address{"", timeoutSeconds};
+    for (const Setting& setting : SqliteSettingsOf(text)) {
+        if (setting.key == "db" || setting.key == "dbname") {
+            address.file = setting.value;
+        } else if (setting.key == "timeout") {
+            address.timeoutSeconds = SecondsOf(setting.value);
+        } else if (setting.key == "shared_cache") {
+            address.sharesCache = IsTrue(setting.value);
+        } else if (setting.key == "readonly" && !IsTrue(setting.value)) {
+            throw std::runtime_error("readonly in the connection text must be true: the file is only read");
+        } // synchronous is about writing
+    }
+    if (address.file.empty()) {
+        throw std::runtime_error("the connection text names no file; write sqlite3://db=FILE");
+    }
+    return address;
+}
+
+// As the client library itself takes the text apart. What it says of one that it cannot parse quotes parts of it, so
+// nobody sees that.
+std::vector<Setting> PostgreSqlSettingsOf(const std::string& text)
+{
+    char* reason = nullptr;
+    const std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)> options(PQconninfoParse(text.c_str(), &reason),
+                                                                               &PQconninfoFree);
+    const std::unique_ptr<char, decltype(&PQfreemem)> freed(reason, &PQfreemem);
+    if (!options) {
+        if (reason == nullptr) {
+            throw std::bad_alloc();
+        }
+        throw std::runtime_error("the connection text cannot be taken apart: write postgresql://host=... dbname=... "
+                                 "user=..., with keys of libpq in lower case, not user@host/database; a value that "
+                                 "holds blanks stands between single quotes");
+    }
+    std::vector<Setting> settings;
+    for (const PQconninfoOption* option = options.get(); option->keyword != nullptr; ++option) {
+        if (option->val != nullptr) {
+            settings.push_back({option->keyword, option->val});
+        }
+    }
+    return settings;
+}
+
+// A text that begins as a URI is parsed by the client library as something else than KEY=VALUE.
+void RequireKeys(const std::string& text)
+{
+    if (text.starts_with('/') || text.find(schemeEnd) < text.find('=') || text.find('=') == std::string::npos) {
+        throw std::runtime_error("write postgresql://host=... dbname=... user=..., not user@host/database");
+    }
+}
+
+PostgreSqlAddress PostgreSqlAddressOf(const std::string& text, unsigned timeoutSeconds)
+{
+    if (text.find("singlerow") != std::string::npos) {
+        throw std::runtime_error("leave out singlerow: an answer that breaks off would look like a whole one");
+    }
+    RequireKeys(text);
+    PostgreSqlSettingsOf(text);
+    // Ours stand first, for the last one of a key counts. Without the encoding, the environment could have names
+    // converted on their way, into those of other users or of nobody. Kerberos' encryption ends the process when memory
+    // runs out in its library.
+    std::string settings = "client_encoding=UTF8 gssencmode=disable ";
+    if (timeoutSeconds != 0) {
+        const std::string timeout = std::to_string(timeoutSeconds);
+        settings += "connect_timeout=" + timeout + " tcp_user_timeout=" + timeout + "000 ";
+    }
+    return {settings + text};
+}
+
+template <std::size_t count>
+std::string Shown(std::string_view scheme, const std::vector<Setting>& settings,
+                  const std::array<std::string_view, count>& harmlessKeys)
+{
+    std::string shown;
+    for (const Setting& setting : settings) {
+        // A value that is an address of its own may hold a password.
+        const bool isHarmless =
+            std::find(harmlessKeys.begin(), harmlessKeys.end(), setting.key) != harmlessKeys.end() &&
+            setting.value.find_first_of("@=") == std::string::npos &&
+            setting.value.find(schemeEnd) == std::string::npos;
+        shown.append(shown.empty() ? "" : " ").append(setting.key).append("=");
+        shown.append(isHarmless ? std::string_view(setting.value) : hidden);
+    }
+    return std::string(scheme) + shown;
 }
 
 } // namespace
 
 DatabaseAddress DatabaseAddressOf(const std::string& connectionText, unsigned timeoutSeconds)
 {
-    const std::string timeout = std::to_string(timeoutSeconds);
-    const std::string_view view = connectionText;
-    // Our settings stand first: behind a quote that is never closed they would be part of a file's name.
-    if (view.starts_with(sqlite)) {
-        const std::string settings = connectionText.substr(sqlite.size());
-        if (settings.find("db=") == std::string::npos && settings.find("dbname=") == std::string::npos) {
-            throw std::runtime_error("the connection text names no file; write sqlite3://db=FILE");
-        }
-        return {false, "readonly=true " + (timeoutSeconds != 0 ? "timeout=" + timeout + " " : "") + settings};
+    if (connectionText.starts_with(sqliteScheme)) {
+        return SqliteAddressOf(connectionText.substr(sqliteScheme.size()), timeoutSeconds);
     }
-    if (view.starts_with(postgresql)) {
-        const std::string settings = connectionText.substr(postgresql.size());
-        if (!BeginsWithKey(settings)) {
-            throw std::runtime_error("write postgresql://host=... dbname=... user=..., not user@host/database");
-        }
-        if (settings.find("singlerow") != std::string::npos) {
-            throw std::runtime_error("leave out singlerow: an answer that breaks off would look like a whole one");
-        }
-        // Else the environment could have names converted on their way, into those of other users or of nobody.
-        const std::string encoding = "client_encoding=UTF8 ";
-        const std::string limits = "connect_timeout=" + timeout + " tcp_user_timeout=" + timeout + "000 ";
-        return {true, encoding + (timeoutSeconds != 0 ? limits : "") + settings};
+    if (connectionText.starts_with(postgreSqlScheme)) {
+        return PostgreSqlAddressOf(connectionText.substr(postgreSqlScheme.size()), timeoutSeconds);
     }
     throw std::runtime_error("the connection text must begin with sqlite3:// or postgresql://");
 }
 
-std::string WithoutSecrets(const std::string& connectionText, std::string text)
+std::string ShownConnectionText(const std::string& connectionText)
 {
-    const std::string secret = SecretOf(connectionText);
-    const std::size_t found = secret.empty() ? std::string::npos : text.find(secret);
-    return found == std::string::npos ? text : text.replace(found, secret.size(), "***");
+    if (connectionText.empty()) {
+        return "";
+    }
+    try {
+        if (connectionText.starts_with(sqliteScheme)) {
+            return Shown(sqliteScheme, SqliteSettingsOf(connectionText.substr(sqliteScheme.size())), sqliteKeys);
+        }
+        if (connectionText.starts_with(postgreSqlScheme)) {
+            const std::string text = connectionText.substr(postgreSqlScheme.size());
+            RequireKeys(text);
+            return Shown(postgreSqlScheme, PostgreSqlSettingsOf(text), harmlessPostgreSqlKeys);
+        }
+    } catch (const std::runtime_error&) {
+        // shown like a text of no known scheme
+    }
+    const std::size_t end = connectionText.find(schemeEnd);
+    const bool hasScheme =
+        end != std::string::npos && connectionText.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789") == end;
+    return (hasScheme ? connectionText.substr(0, end + schemeEnd.size()) : "") + std::string(hidden);
+}
+
+bool CanBeImpersonated(std::string_view address, std::string_view sslMode)
+{
+    const bool isLocal = address.empty() || address.starts_with("127.") || address == "::1";
+    return !isLocal && sslMode != "verify-full";
 }

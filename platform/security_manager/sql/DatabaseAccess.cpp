@@ -1,41 +1,9 @@
 #include "platform/security_manager/sql/DatabaseAccess.h"
 
-#include "platform/logging/Tmr_LogFile.h"
-#include "platform/security_manager/sql/ConnectionText.h"
-
 #include <soci/postgresql/soci-postgresql.h>
 
 #include <algorithm>
 #include <stdexcept>
-
-// Declared here, for its header asks for the development files of SQLite.
-extern "C" const soci::backend_factory* factory_sqlite3();
-
-namespace {
-
-constexpr int noticeLevel = 6;
-constexpr int moduleNumber = 198;
-
-// In place of the client library's own, which writes to the host's standard error. No exception may reach that library;
-// what makes a statement fail is told by its error.
-void LogNotice(void* /*unused*/, const char* text) noexcept
-try {
-    if (TmrGLog.StoreParams("platform/security_manager/sql/DatabaseAccess", __func__, __LINE__, noticeLevel,
-                            moduleNumber, 1) != 0) {
-        TmrGLog.Log("The security database says: %s", text);
-    }
-} catch (const std::exception&) {
-}
-
-} // namespace
-
-// The backends are linked, not looked for by SOCI when a text names them: a library that SOCI opens by itself could not
-// be unloaded with ours.
-soci::connection_parameters ParametersOf(const std::string& connectionText, unsigned timeoutSeconds)
-{
-    const DatabaseAddress address = DatabaseAddressOf(connectionText, timeoutSeconds);
-    return {address.isPostgreSql ? *soci::factory_postgresql() : *factory_sqlite3(), address.settings};
-}
 
 soci::postgresql_session_backend* PostgreSqlOf(soci::session& session)
 {
@@ -44,25 +12,10 @@ soci::postgresql_session_backend* PostgreSqlOf(soci::session& session)
                : nullptr;
 }
 
-void SetUp(soci::session& session, unsigned timeoutSeconds)
-{
-    const soci::postgresql_session_backend* postgreSql = PostgreSqlOf(session);
-    if (postgreSql == nullptr) {
-        return;
-    }
-    PQsetNoticeProcessor(postgreSql->conn_, LogNotice, nullptr);
-    if (timeoutSeconds != 0) {
-        session << "SET statement_timeout = " << timeoutSeconds * 1000;
-    }
-}
-
 std::string ReasonOf(const std::runtime_error& error)
 {
     const auto* ofDatabase = dynamic_cast<const soci::soci_error*>(&error);
-    if (ofDatabase == nullptr) {
-        return error.what();
-    }
-    std::string text = ofDatabase->get_error_message();
+    std::string text = ofDatabase != nullptr ? ofDatabase->get_error_message() : error.what();
     text.erase(text.find_last_not_of(" \n") + 1);
     std::replace_if(
         text.begin(), text.end(), [](char character) { return character == '\n' || character == '\t'; }, ' ');
@@ -92,11 +45,12 @@ const std::string& TextColumn::At(const RowPlace& place) const
 
 // SQLite keeps whatever was written into a number column, so what is no whole number of 32 bits becomes -1
 // here and a fault below; a condition that is anything but 0 is one, for a condition grants less.
-const char* const permissionColumns = "position, permission_name, resource,"
-                                      " CASE WHEN permission_value BETWEEN 0 AND 4294967295"
-                                      " AND CAST(permission_value AS BIGINT) = permission_value"
-                                      " THEN permission_value ELSE -1 END,"
-                                      " CASE WHEN is_conditional = 0 THEN 0 ELSE 1 END";
+const char* const permissionColumns =
+    "security_permission.position, security_permission.permission_name, security_permission.resource,"
+    " CASE WHEN security_permission.permission_value BETWEEN 0 AND 4294967295"
+    " AND CAST(security_permission.permission_value AS BIGINT) = security_permission.permission_value"
+    " THEN security_permission.permission_value ELSE -1 END,"
+    " CASE WHEN security_permission.is_conditional = 0 THEN 0 ELSE 1 END";
 
 void PermissionRow::Bind(soci::statement& statement)
 {

@@ -1,4 +1,4 @@
-// What all who read a security database share: how they connect, what they take of a row, and how faults read.
+// What all who read a security database share: what they take of a row, and how faults read.
 #pragma once
 
 #include "platform/security_manager/PermissionBase.h"
@@ -13,13 +13,6 @@
 namespace soci {
 struct postgresql_session_backend;
 }
-
-/// Where a session connects to. Throws std::runtime_error when the text names no database.
-soci::connection_parameters ParametersOf(const std::string& connectionText, unsigned timeoutSeconds);
-
-/// Limits each statement of `session`, where the database can (0: not at all), and sends what the database says
-/// unasked to the log.
-void SetUp(soci::session& session, unsigned timeoutSeconds);
 
 /// What SOCI has of a session on PostgreSQL, which keeps it; null on SQLite.
 soci::postgresql_session_backend* PostgreSqlOf(soci::session& session);

@@ -7,7 +7,8 @@
 #include "platform/security_manager/sql/AllowedTexts.h"
 #include "platform/security_manager/sql/ConnectionText.h"
 #include "platform/security_manager/sql/DatabaseAccess.h"
-#include "platform/security_manager/sql/TimeLimit.h"
+#include "platform/security_manager/sql/DatabaseConnection.h"
+#include "platform/security_manager/sql/GrantedPermissions.h"
 
 #include <unistd.h>
 
@@ -25,24 +26,57 @@ enum Section : long long { userSection = 0, attributeSection = 1, permissionSect
 
 constexpr std::string_view ownValue = "%my%";
 
-constexpr const char* userRows =
-    "SELECT 0, 0, group_name, CAST(NULL AS TEXT), 0, 0 FROM security_user WHERE user_name = :user"
-    " UNION ALL "
-    "SELECT 1, 0, attribute_name, attribute_value, 0, 0 FROM security_attribute WHERE user_name = :user";
+// Names are compared as their column compares, which an index serves, and byte for byte, however the column compares.
+class Comparison {
+public:
+    explicit Comparison(const char* bytewiseCollation) : collation(bytewiseCollation) {}
 
-std::string PermissionRows(const char* granteeType, const char* grantee)
+    std::string Equal(const std::string& column, const std::string& sought) const
+    {
+        return column + " = " + sought + " AND " + column + " COLLATE " + collation + " = " + sought;
+    }
+
+    // An empty group name is no group, whatever is granted to it.
+    std::string GrantedToUser(const std::string& user) const { return GrantedTo("'user'", user); }
+    std::string GrantedToGroup(const std::string& group) const
+    {
+        return GrantedTo("'group'", group) + " AND " + group + " <> ''";
+    }
+
+private:
+    std::string GrantedTo(const char* granteeType, const std::string& grantee) const
+    {
+        return Equal("security_permission.grantee_type", granteeType) + " AND " +
+               Equal("security_permission.grantee", grantee);
+    }
+
+    const char* collation;
+};
+
+std::string PermissionRows(const char* tables, const std::string& condition)
 {
-    return std::string("SELECT 2, ") + permissionColumns + " FROM security_permission WHERE grantee_type = '" +
-           granteeType + "' AND grantee = " + grantee;
+    return std::string("SELECT 2, ") + permissionColumns + " FROM " + tables + " WHERE " + condition;
 }
 
-// An empty group name is no group, whatever is granted to it.
-std::string GrantedTo(const char* user, const char* group)
+// A group name that is no text is told by the number, for nothing would be granted to such a group.
+std::string UserWithPermissionsRows(const Comparison& names)
 {
-    return PermissionRows("user", user) + " UNION ALL " + PermissionRows("group", group) + " AND grantee <> ''";
+    const std::string isUser = names.Equal("security_user.user_name", ":user");
+    return "SELECT 0, 0, group_name, CAST(NULL AS TEXT),"
+           " CASE WHEN group_name = CAST(group_name AS TEXT) THEN 0 ELSE -1 END, 0 FROM security_user WHERE " +
+           isUser + " UNION ALL SELECT 1, 0, attribute_name, attribute_value, 0, 0 FROM security_attribute WHERE " +
+           names.Equal("user_name", ":user") + " UNION ALL " +
+           PermissionRows("security_permission", names.GrantedToUser(":user")) + " UNION ALL " +
+           PermissionRows("security_user, security_permission",
+                          isUser + " AND " + names.GrantedToGroup("security_user.group_name"));
 }
 
-constexpr const char* groupOfUser = "(SELECT group_name FROM security_user WHERE user_name = :user)";
+std::string PermissionsOfBothRows(const Comparison& names)
+{
+    return PermissionRows("security_permission", names.GrantedToUser(":user")) + " UNION ALL " +
+           PermissionRows("security_permission", names.GrantedToGroup(":group"));
+}
+
 constexpr const char* inOrder = " ORDER BY 1, 2";
 
 } // namespace
@@ -50,34 +84,54 @@ constexpr const char* inOrder = " ORDER BY 1, 2";
 class SecurityDatabase::Connection {
 public:
     Connection(const std::string& connectionText, unsigned timeout)
-        : session(ParametersOf(connectionText, timeout)), userWithPermissions(session), user(session),
-          permissions(session), timeLimit(session, timeout)
+        : connection(connectionText, timeout), userWithPermissions(connection.Session()),
+          permissions(connection.Session())
     {
         permissions.exchange(soci::use(groupName, "group"));
-        timeLimit.Keep([this, timeout] {
-            SetUp(session, timeout);
-            Prepare(permissions, GrantedTo(":user", ":group") + inOrder);
-            Prepare(user, std::string(userRows) + inOrder);
-            Prepare(userWithPermissions, userRows + (" UNION ALL " + GrantedTo(":user", groupOfUser)) + inOrder);
+        const Comparison names(connection.BytewiseCollation());
+        connection.Keep([&] {
+            Prepare(permissions, PermissionsOfBothRows(names) + inOrder);
+            Prepare(userWithPermissions, UserWithPermissionsRows(names) + inOrder);
         });
     }
+
+    ~Connection() { connection.End(); }
+
+    bool IsCurrent() const { return connection.IsCurrent(); }
 
     // Tables, columns and rights show only when a statement runs; what it finds is the requests' business.
     void TryStatements()
     {
-        for (soci::statement* statement : {&userWithPermissions, &user, &permissions}) {
+        for (soci::statement* statement : {&userWithPermissions, &permissions}) {
             Execute(*statement);
             while (statement->fetch()) {
             }
         }
     }
 
-    std::optional<SecurityUser> ReadUserWithPermissions(const std::string& name)
+    template <class Permissions>
+    std::optional<UserWithPermissions<Permissions>> ReadUser(const std::string& name)
     {
-        return ReadUser(userWithPermissions, name);
+        userName = name;
+        std::optional<UserWithPermissions<Permissions>> found;
+        Execute(userWithPermissions);
+        while (userWithPermissions.fetch()) {
+            if (section == userSection) {
+                if (found) {
+                    throw std::runtime_error("the user '" + name + "' has more than one row in security_user");
+                }
+                found.emplace().user.groupName = GroupName();
+            } else if (!found) {
+                continue; // attributes and permissions of a name that is no user's
+            } else if (section == attributeSection) {
+                AddAttribute(found->user);
+            } else {
+                found->permissions.Add(Permission());
+            }
+        }
+        connection.RequireWhole();
+        return found;
     }
-
-    std::optional<SecurityUser> ReadUser(const std::string& name) { return ReadUser(user, name); }
 
     std::vector<PermissionBase> ReadPermissions(const std::string& group, const std::string& name)
     {
@@ -88,39 +142,30 @@ public:
         while (permissions.fetch()) {
             found.push_back(Permission());
         }
+        connection.RequireWhole();
         return found;
     }
 
 private:
-    std::optional<SecurityUser> ReadUser(soci::statement& statement, const std::string& name)
+    const std::string& GroupName() const
     {
-        userName = name;
-        std::optional<SecurityUser> found;
-        Execute(statement);
-        while (statement.fetch()) {
-            if (section == userSection) {
-                if (found) {
-                    throw std::runtime_error("the user '" + name + "' has more than one row in security_user");
-                }
-                found.emplace().groupName = row.name.At({"security_user", name});
-            } else if (!found) {
-                continue; // attributes and permissions of a name that is no user's
-            } else if (section == attributeSection) {
-                const RowPlace place{"security_attribute", name};
-                const std::string& attribute = row.name.At(place);
-                const std::string& value = row.resource.At(place);
-                allowedAttributes.Require(value, place);
-                if (!found->attributes.emplace(attribute, value).second) {
-                    throw std::runtime_error(place.Text() + " holds two values of '" + attribute + "'");
-                }
-            } else {
-                found->permissions.Add(Permission());
-            }
+        const RowPlace place{"security_user", userName};
+        const std::string& name = row.name.At(place);
+        if (row.value < 0) {
+            throw std::runtime_error(place.Text() + " holds a group_name that is no text; write it as text");
         }
-        if (found) {
-            found->permissions.ShrinkToFit();
+        return name;
+    }
+
+    void AddAttribute(SecurityUser& user) const
+    {
+        const RowPlace place{"security_attribute", userName};
+        const std::string& attribute = row.name.At(place);
+        const std::string& value = row.resource.At(place);
+        allowedAttributes.Require(value, place);
+        if (!user.attributes.emplace(attribute, value).second) {
+            throw std::runtime_error(place.Text() + " holds two values of '" + attribute + "'");
         }
-        return found;
     }
 
     PermissionBase Permission() const
@@ -146,7 +191,7 @@ private:
     // What it finds is here when this returns: fetching waits for no server.
     void Execute(soci::statement& statement)
     {
-        timeLimit.Keep([&statement] { statement.execute(); });
+        connection.Keep([&statement] { statement.execute(); });
     }
 
     const AllowedTexts allowedResources{"SECM_ALLOWED_RESOURCES"};
@@ -158,11 +203,9 @@ private:
     long long section = 0;
     PermissionRow row; // of the user, the name is the group's; of an attribute, the resource is its value
 
-    soci::session session;
+    DatabaseConnection connection;
     soci::statement userWithPermissions;
-    soci::statement user;
     soci::statement permissions;
-    TimeLimit timeLimit; // before the statements go, which take leave of the server
 };
 
 SecurityDatabase::SecurityDatabase(std::string connectionText, unsigned timeout)
@@ -184,12 +227,21 @@ void SecurityDatabase::LeaveToParent()
     }
 }
 
+// Ends the connection to a file that another one has replaced.
+void SecurityDatabase::DropReplacedFile()
+{
+    if (connection && !connection->IsCurrent()) {
+        connection.reset();
+    }
+}
+
 template <class Question>
 auto SecurityDatabase::Ask(const char* name, Question question)
 {
     LeaveToParent();
     const char* step = "connecting";
     try {
+        DropReplacedFile();
         if (!connection) {
             connection = std::make_unique<Connection>(text, timeoutSeconds);
         }
@@ -204,16 +256,17 @@ auto SecurityDatabase::Ask(const char* name, Question question)
     }
 }
 
-std::optional<SecurityUser> SecurityDatabase::ReadUserWithPermissions(const std::string& userName)
+template <class Permissions>
+std::optional<UserWithPermissions<Permissions>> SecurityDatabase::ReadUser(const std::string& userName)
 {
     return Ask("reading the user with permissions",
-               [&](Connection& open) { return open.ReadUserWithPermissions(userName); });
+               [&](Connection& open) { return open.ReadUser<Permissions>(userName); });
 }
 
-std::optional<SecurityUser> SecurityDatabase::ReadUser(const std::string& userName)
-{
-    return Ask("reading the user", [&](Connection& open) { return open.ReadUser(userName); });
-}
+template std::optional<UserWithPermissions<GrantedPermissions>>
+SecurityDatabase::ReadUser<GrantedPermissions>(const std::string& userName);
+template std::optional<UserWithPermissions<PermissionsInOrder>>
+SecurityDatabase::ReadUser<PermissionsInOrder>(const std::string& userName);
 
 std::vector<PermissionBase> SecurityDatabase::ReadPermissions(const std::string& groupName, const std::string& userName)
 {
@@ -237,8 +290,8 @@ std::unique_ptr<SecurityDatabase> SecurityDatabase::Open(const char* function, c
     }
     if (TmrGLog.StoreParams("platform/security_manager/sql/SecurityDatabase", function, __LINE__, failureLevel,
                             moduleNumber, 1) != 0) {
-        TmrGLog.Log("The security database '%s' cannot be used: %s\n", WithoutSecrets(text, text).c_str(),
-                    WithoutSecrets(text, reason).c_str());
+        TmrGLog.Log("The security database '%s' cannot be used: %s\n", ShownConnectionText(text).c_str(),
+                    reason.c_str());
     }
     return nullptr;
 }

@@ -1,7 +1,8 @@
-// The security database: three tables read by one statement for each question, through SOCI, so that SQLite
-// and PostgreSQL give the same answers.
+// The security database: three tables read by one statement for each question, the same for both roads, through SOCI,
+// so that SQLite and PostgreSQL give the same answers.
 #pragma once
 
+#include "platform/security_manager/PermissionBase.h"
 #include "platform/security_manager/sql/SecurityUser.h"
 
 #include <sys/types.h>
@@ -12,9 +13,24 @@
 #include <string>
 #include <vector>
 
+/// A user with the permissions of the user and of the user's group, by position, as they stood at one moment.
+/// `Permissions` collects them: GrantedPermissions or PermissionsInOrder.
+template <class Permissions>
+struct UserWithPermissions {
+    SecurityUser user;
+    Permissions permissions;
+};
+
+/// Permissions as a list.
+struct PermissionsInOrder {
+    void Add(const PermissionBase& permission) { list.push_back(permission); }
+
+    std::vector<PermissionBase> list;
+};
+
 /// One connection, used by one thread at a time. A question that fails throws std::runtime_error, whose text
-/// begins with the question's name, and drops the connection; the next question connects again, as does the first
-/// one in a process that was forked.
+/// begins with the question's name, and drops the connection; the next question connects again, as do one that finds
+/// another file under the database's name and the first one in a process that was forked.
 class SecurityDatabase {
 public:
     /// Connects and tries every statement. Null when that fails or `mode` is not "nonsecure"; the reason is
@@ -23,11 +39,9 @@ public:
                                                   unsigned timeoutSeconds, const char* mode);
     ~SecurityDatabase();
 
-    /// The user with group, attributes and permissions, or nothing when there is no such user.
-    std::optional<SecurityUser> ReadUserWithPermissions(const std::string& userName);
-
-    /// The same without permissions.
-    std::optional<SecurityUser> ReadUser(const std::string& userName);
+    /// Nothing when there is no such user.
+    template <class Permissions>
+    std::optional<UserWithPermissions<Permissions>> ReadUser(const std::string& userName);
 
     /// What is granted to exactly this user and exactly this group; an empty group is no group.
     std::vector<PermissionBase> ReadPermissions(const std::string& groupName, const std::string& userName);
@@ -41,6 +55,7 @@ private:
     auto Ask(const char* name, Question question);
 
     void LeaveToParent();
+    void DropReplacedFile();
 
     std::string text;
     unsigned timeoutSeconds;

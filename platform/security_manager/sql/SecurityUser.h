@@ -2,7 +2,6 @@
 #pragma once
 
 #include "platform/security_manager/UserDetailsInterface.h"
-#include "platform/security_manager/sql/GrantedPermissions.h"
 
 #include <map>
 #include <string>
@@ -11,7 +10,6 @@
 struct SecurityUser {
     std::string groupName; ///< Empty: no group.
     std::map<std::string, std::string, std::less<>> attributes;
-    GrantedPermissions permissions; ///< Only where they were asked for.
 };
 
 class SqlUserDetails final : public UserDetailsInterface {
@@ -29,8 +27,6 @@ public:
         const auto found = name != nullptr ? user.attributes.find(name) : user.attributes.end();
         return found != user.attributes.end() ? found->second.c_str() : nullptr;
     }
-
-    const SecurityUser& User() const { return user; }
 
 private:
     SecurityUser user;

@@ -1,5 +1,5 @@
-// The administration interface on the security database: the same users, groups and permissions as at log-in,
-// asked for by name.
+// The administration interface on the security database: the same users, groups and permissions as at log-in, read by
+// the same statement, asked for by name.
 #include "platform/security_manager/SMADM_Interface.h"
 
 #include "platform/security_manager/PermissionListInterface.h"
@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -31,27 +32,49 @@ class SqlAdministration final : public SMADM_Interface {
 public:
     bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode) override
     {
-        details.reset();
+        Forget();
         database = SecurityDatabase::Open("SMADM_Interface::Initialize", connectionText, timeoutSeconds, mode);
         return database != nullptr;
     }
 
     UserDetailsInterface* GetUserDetails(const char* /*domain*/, const char* userName) override
     {
-        details.reset();
-        if (auto user = Connected("GetUserDetails").ReadUser(TextOrEmpty(userName))) {
-            return &details.emplace(std::move(*user));
+        Forget();
+        const std::string name = TextOrEmpty(userName);
+        auto found = Connected("GetUserDetails").ReadUser<PermissionsInOrder>(name);
+        if (!found) {
+            return nullptr;
         }
-        return nullptr;
+        readWithUser = {name, found->user.groupName, std::move(found->permissions.list)};
+        return &details.emplace(std::move(found->user));
     }
 
     PermissionListInterface* GetPermissionList(const char* group, const char* user) override
     {
-        return new SqlPermissionList(
-            Connected("GetPermissionList").ReadPermissions(TextOrEmpty(group), TextOrEmpty(user)));
+        auto read = std::exchange(readWithUser, std::nullopt);
+        const std::string groupName = TextOrEmpty(group);
+        const std::string userName = TextOrEmpty(user);
+        if (read && read->userName == userName && read->groupName == groupName) {
+            return new SqlPermissionList(std::move(read->permissions));
+        }
+        return new SqlPermissionList(Connected("GetPermissionList").ReadPermissions(groupName, userName));
     }
 
 private:
+    // What was granted when the user was read, for the one question that follows. A later one reads what is granted
+    // then.
+    struct GrantedAtThatMoment {
+        std::string userName;
+        std::string groupName;
+        std::vector<PermissionBase> permissions;
+    };
+
+    void Forget()
+    {
+        details.reset();
+        readWithUser.reset();
+    }
+
     SecurityDatabase& Connected(const char* operation)
     {
         if (database == nullptr) {
@@ -62,6 +85,7 @@ private:
 
     std::unique_ptr<SecurityDatabase> database;
     std::optional<SqlUserDetails> details; // of the last user who was asked for
+    std::optional<GrantedAtThatMoment> readWithUser;
 };
 
 HandedOut<SMADM_Interface>& Administrations()

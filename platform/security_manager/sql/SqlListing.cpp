@@ -3,7 +3,7 @@
 
 #include "platform/security_manager/sql/ConnectionText.h"
 #include "platform/security_manager/sql/DatabaseAccess.h"
-#include "platform/security_manager/sql/TimeLimit.h"
+#include "platform/security_manager/sql/DatabaseConnection.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -16,10 +16,8 @@ constexpr std::size_t pageSize = 1000;
 class SqlListing final : public SECM_ListingInterface {
 public:
     SqlListing(const std::string& connectionText, unsigned timeoutSeconds)
-        : text(connectionText), session(ParametersOf(connectionText, timeoutSeconds)),
-          timeLimit(session, timeoutSeconds)
+        : text(connectionText), connection(connectionText, timeoutSeconds)
     {
-        timeLimit.Keep([&] { SetUp(session, timeoutSeconds); });
     }
 
     void ForEachUser(const std::function<void(const std::string&)>& handle) override
@@ -84,7 +82,30 @@ public:
             });
     }
 
+    void RequireSound() override
+    {
+        Ask("looking for damage", [&] { connection.RequireSound(); });
+    }
+
+    void ForEachConcern(const std::function<void(const SECM_Concern&)>& handle) override
+    {
+        if (const auto concern = connection.Concern()) {
+            handle(*concern);
+        }
+    }
+
 private:
+    template <class Question>
+    void Ask(const char* name, Question question)
+    {
+        try {
+            question();
+        } catch (const std::runtime_error& error) {
+            throw std::runtime_error("the security database '" + ShownConnectionText(text) +
+                                     "' cannot be read: " + name + ": " + ReasonOf(error));
+        }
+    }
+
     struct Statement {
         std::string select;
         std::string behindLast;
@@ -110,9 +131,9 @@ private:
         do {
             const std::vector<Row> before = std::move(rows); // and the first row of this page
             rows.clear();
-            try {
-                timeLimit.Keep([&] {
-                    soci::statement select(session);
+            Ask(name, [&] {
+                connection.Keep([&] {
+                    soci::statement select(connection.Session());
                     bindRow(select);
                     if (!before.empty()) {
                         bindLast(select, before.at(pageSize - 1));
@@ -125,22 +146,19 @@ private:
                         rows.push_back(takeRow());
                     }
                 });
+                connection.RequireWhole();
                 if (!before.empty() && (rows.empty() || !hasSameKey(rows.front(), before.back()))) {
                     throw std::runtime_error("rows changed meanwhile, or two of them have the same " + statement.order +
                                              ", or one that is no text or number; try again, then mend the table");
                 }
-            } catch (const std::runtime_error& error) {
-                throw std::runtime_error("the security database '" + WithoutSecrets(text, text) +
-                                         "' cannot be read: " + name + ": " + WithoutSecrets(text, ReasonOf(error)));
-            }
+            });
             std::for_each(rows.begin(), rows.begin() + static_cast<std::ptrdiff_t>(std::min(rows.size(), pageSize)),
                           handle);
         } while (rows.size() > pageSize);
     }
 
     std::string text;
-    soci::session session;
-    TimeLimit timeLimit;
+    DatabaseConnection connection;
 };
 
 } // namespace
@@ -151,7 +169,7 @@ std::unique_ptr<SECM_ListingInterface> openSECM_Listing(const char* connectionTe
     try {
         return std::make_unique<SqlListing>(text, std::min(timeoutSeconds, longestTimeoutSeconds));
     } catch (const std::runtime_error& error) {
-        throw std::runtime_error("the security database '" + WithoutSecrets(text, text) +
-                                 "' cannot be used: " + WithoutSecrets(text, ReasonOf(error)));
+        throw std::runtime_error("the security database '" + ShownConnectionText(text) +
+                                 "' cannot be used: " + ReasonOf(error));
     }
 }

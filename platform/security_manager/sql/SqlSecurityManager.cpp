@@ -3,6 +3,7 @@
 #include "platform/security_manager/SecurityManagerInterface.h"
 
 #include "platform/security_manager/SECM_CallBackInterface.h"
+#include "platform/security_manager/sql/GrantedPermissions.h"
 #include "platform/security_manager/sql/HandedOut.h"
 #include "platform/security_manager/sql/SecurityDatabase.h"
 
@@ -20,14 +21,14 @@ public:
     bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode,
                     SECM_CallBackInterface* /*callback*/, bool /*flag*/) override
     {
-        details.reset();
+        Forget();
         database = SecurityDatabase::Open("SecurityManagerInterface::Initialize", connectionText, timeoutSeconds, mode);
         return database != nullptr;
     }
 
     bool Login(SECM_CallBackInterface* callback, bool /*flag*/) override
     {
-        details.reset();
+        Forget();
         if (database == nullptr) {
             throw std::runtime_error("SecurityManagerInterface::Login: not initialized");
         }
@@ -46,10 +47,12 @@ public:
         callback->GetAuxiliaryText(unused, unusedFlag);
         callback->GetIpAddress(unused);
 
-        auto user = database->ReadUserWithPermissions(userName);
-        if (user && IsOwnGroup(callback, &SECM_CallBackInterface::GetGroup, *user) &&
-            IsOwnGroup(callback, &SECM_CallBackInterface::GetSecondGroup, *user)) {
-            details.emplace(std::move(*user));
+        auto found = database->ReadUser<GrantedPermissions>(userName);
+        if (found && IsOwnGroup(callback, &SECM_CallBackInterface::GetGroup, found->user) &&
+            IsOwnGroup(callback, &SECM_CallBackInterface::GetSecondGroup, found->user)) {
+            permissions = std::move(found->permissions);
+            permissions.ShrinkToFit();
+            details.emplace(std::move(found->user));
         }
         return details.has_value();
     }
@@ -62,7 +65,7 @@ public:
     bool Logout() override
     {
         const bool wasLoggedIn = details.has_value();
-        details.reset();
+        Forget();
         return wasLoggedIn;
     }
 
@@ -71,7 +74,6 @@ public:
         if (!details) {
             return false;
         }
-        const GrantedPermissions& permissions = details->User().permissions;
         if (const auto granted = permissions.FirstEqual(permission)) {
             return permission <= *granted;
         }
@@ -90,13 +92,19 @@ public:
         if (!details) {
             return false;
         }
-        details->User().permissions.AppendResources(permissionName, permissionValue, resources);
+        permissions.AppendResources(permissionName, permissionValue, resources);
         return true;
     }
 
     UserDetailsInterface* GetUserDetails() override { return details ? &*details : nullptr; }
 
 private:
+    void Forget()
+    {
+        details.reset();
+        permissions = {};
+    }
+
     // A user logs in with their own group, or without naming one.
     static bool IsOwnGroup(SECM_CallBackInterface* callback, bool (SECM_CallBackInterface::*getGroup)(std::string&),
                            const SecurityUser& user)
@@ -108,6 +116,7 @@ private:
     std::unique_ptr<SecurityDatabase> database;
     std::string applicationName;
     std::optional<SqlUserDetails> details; // while a user is logged in
+    GrantedPermissions permissions;        // of that user
 };
 
 HandedOut<SecurityManagerInterface>& Managers()

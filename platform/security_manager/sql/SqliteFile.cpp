@@ -1,0 +1,254 @@
+#include "platform/security_manager/sql/SqliteFile.h"
+
+#include "platform/security_manager/sql/SecurityColumns.h"
+
+#include <soci/soci.h>
+#include <soci/sqlite3/soci-sqlite3.h>
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+
+namespace {
+
+using namespace sqlite_api;
+
+constexpr int headerSize = 100;
+constexpr std::size_t pageSizeOffset = 16;
+constexpr std::size_t readVersionOffset = 19;
+constexpr std::size_t changeCounterOffset = 24;
+constexpr std::size_t pageCountOffset = 28;
+constexpr std::size_t encodingOffset = 56;
+constexpr std::size_t pageCountValidForOffset = 92;
+constexpr std::uint8_t writeAheadLog = 2;
+constexpr std::uint32_t utf8 = 1;
+constexpr sqlite3_int64 largestPageSize = 65536; // which the header writes as 1
+
+sqlite3*& HandleOf(soci::session& session)
+{
+    return static_cast<soci::sqlite3_session_backend*>(session.get_backend())->conn_;
+}
+
+[[noreturn]] void Refuse(sqlite3* handle)
+{
+    std::string reason = sqlite3_errmsg(handle);
+    if (sqlite3_errcode(handle) == SQLITE_READONLY) {
+        reason +=
+            ": a writer was killed and left its journal, or the files of the write-ahead log cannot be made; open "
+            "the file once with sqlite3, as a user who may write";
+    }
+    throw std::runtime_error(reason);
+}
+
+void Run(sqlite3* handle, const char* statement)
+{
+    if (sqlite3_exec(handle, statement, nullptr, nullptr, nullptr) != SQLITE_OK) {
+        Refuse(handle);
+    }
+}
+
+using Statement = std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)>;
+
+// The statement, with its first row when it has one.
+Statement FirstRowOf(sqlite3* handle, const std::string& sql, int& result)
+{
+    sqlite3_stmt* prepared = nullptr;
+    if (sqlite3_prepare_v2(handle, sql.c_str(), -1, &prepared, nullptr) != SQLITE_OK) {
+        Refuse(handle);
+    }
+    Statement statement(prepared, sqlite3_finalize);
+    result = sqlite3_step(prepared);
+    if (result != SQLITE_ROW && result != SQLITE_DONE) {
+        Refuse(handle);
+    }
+    return statement;
+}
+
+bool HasRow(sqlite3* handle, const std::string& sql)
+{
+    int result = SQLITE_ERROR;
+    FirstRowOf(handle, sql, result);
+    return result == SQLITE_ROW;
+}
+
+// While it lives, nobody changes the file by SQLite's own means.
+class ReadLock {
+public:
+    explicit ReadLock(sqlite3* locked) : handle(locked)
+    {
+        Run(handle, "BEGIN");
+        try {
+            Run(handle, "SELECT 1 FROM sqlite_schema LIMIT 1");
+        } catch (...) {
+            sqlite3_exec(handle, "ROLLBACK", nullptr, nullptr, nullptr);
+            throw;
+        }
+    }
+    ReadLock(const ReadLock&) = delete;
+    ReadLock& operator=(const ReadLock&) = delete;
+    ~ReadLock() { sqlite3_exec(handle, "ROLLBACK", nullptr, nullptr, nullptr); }
+
+private:
+    sqlite3* handle;
+};
+
+// The header on the disk. It is read by SQLite's own means: to close another descriptor of the file would take away the
+// locks that SQLite holds on it.
+class Header {
+public:
+    explicit Header(sqlite3* handle)
+    {
+        sqlite3_file* file = nullptr;
+        if (sqlite3_file_control(handle, "main", SQLITE_FCNTL_FILE_POINTER, &file) != SQLITE_OK ||
+            file->pMethods == nullptr || file->pMethods->xFileSize(file, &fileSize) != SQLITE_OK ||
+            (fileSize != 0 && file->pMethods->xRead(file, bytes.data(), headerSize, 0) != SQLITE_OK)) {
+            throw std::runtime_error("the file's header cannot be read; restore the file from a backup");
+        }
+    }
+
+    bool IsEmpty() const { return fileSize == 0; }
+    bool IsUtf8() const { return Number(encodingOffset) == utf8; }
+    bool HasWriteAheadLog() const { return bytes[readVersionOffset] == writeAheadLog; }
+
+    /// Whether the file has all the pages that it should have, each of them whole.
+    bool IsWhole() const
+    {
+        const unsigned stored = (unsigned{bytes[pageSizeOffset]} << 8U) | bytes[pageSizeOffset + 1];
+        const sqlite3_int64 pageSize = stored == 1 ? largestPageSize : stored;
+        const bool isCountValid = Number(changeCounterOffset) == Number(pageCountValidForOffset);
+        return pageSize != 0 && fileSize % pageSize == 0 &&
+               (!isCountValid || fileSize >= pageSize * sqlite3_int64{Number(pageCountOffset)});
+    }
+
+private:
+    std::uint32_t Number(std::size_t offset) const
+    {
+        return (std::uint32_t{bytes[offset]} << 24U) | (std::uint32_t{bytes[offset + 1]} << 16U) |
+               (std::uint32_t{bytes[offset + 2]} << 8U) | bytes[offset + 3];
+    }
+
+    std::array<std::uint8_t, headerSize> bytes{};
+    sqlite3_int64 fileSize = 0;
+};
+
+bool IsSameFile(const struct stat& one, const struct stat& other)
+{
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+bool IsSameTime(const timespec& one, const timespec& other)
+{
+    return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
+}
+
+} // namespace
+
+SqliteFile::SqliteFile(soci::session& watched, const SqliteAddress& address)
+    : session(watched), path(std::filesystem::absolute(address.file)), checked(Status())
+{
+    sqlite3* handle = nullptr;
+    const int flags = SQLITE_OPEN_READONLY | (address.sharesCache ? SQLITE_OPEN_SHAREDCACHE : 0);
+    const int result = sqlite3_open_v2(path.c_str(), &handle, flags, nullptr);
+    // SOCI made a database in memory, for its own way of taking a text apart never ends when memory runs out.
+    sqlite3_close(std::exchange(HandleOf(session), handle));
+    if (result != SQLITE_OK) {
+        throw std::runtime_error(handle != nullptr ? sqlite3_errmsg(handle) : "out of memory");
+    }
+    sqlite3_busy_timeout(handle, static_cast<int>(address.timeoutSeconds * 1000));
+    RequireWholeAtRest();
+}
+
+struct stat SqliteFile::Status() const
+{
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) {
+        throw std::runtime_error("unable to open database file: " + path + ": " + std::strerror(errno));
+    }
+    if (!S_ISREG(status.st_mode)) {
+        throw std::runtime_error("unable to open database file: " + path + " is no regular file");
+    }
+    return status;
+}
+
+bool SqliteFile::IsCurrent() const
+{
+    return IsSameFile(Status(), checked);
+}
+
+void SqliteFile::RequireWhole()
+{
+    const struct stat now = Status();
+    // Another file of that name is the next request's.
+    if (!IsSameFile(now, checked) || (now.st_size == checked.st_size && IsSameTime(now.st_mtim, checked.st_mtim) &&
+                                      IsSameTime(now.st_ctim, checked.st_ctim))) {
+        return;
+    }
+    RequireWholeAtRest();
+    checked = now;
+}
+
+void SqliteFile::RequireWholeAtRest()
+{
+    // A checkpoint of the write-ahead log, which no lock of ours holds up, writes the header before the last pages.
+    constexpr int mostTries = 20;
+    constexpr std::chrono::milliseconds pause(50);
+    sqlite3* handle = HandleOf(session);
+    for (int tries = 1;; ++tries) {
+        const ReadLock lock(handle);
+        const Header header(handle);
+        if (!header.IsEmpty() && !header.IsUtf8()) {
+            throw std::runtime_error(
+                "the file's texts are in UTF-16, which cannot be read; make a new file of it, with "
+                "PRAGMA encoding = 'UTF-8'");
+        }
+        if (header.IsEmpty() || header.IsWhole()) {
+            break;
+        }
+        if (!header.HasWriteAheadLog() || tries == mostTries) {
+            throw std::runtime_error(
+                "the file is shorter than its header says, so rows are missing; restore it from a backup" +
+                std::string(header.HasWriteAheadLog() ? ", or run PRAGMA wal_checkpoint if a checkpoint broke off"
+                                                      : ""));
+        }
+        std::this_thread::sleep_for(pause);
+    }
+    RequireTextKeys();
+}
+
+// SQLite keeps whatever was written into a text column; what is no text is found by no name. It sorts numbers before
+// all texts and bytes behind them, so an index finds them at once.
+void SqliteFile::RequireTextKeys()
+{
+    for (const SecurityColumn& column : textColumns) {
+        const std::string rows = std::string("SELECT 1 FROM ") + column.table + " WHERE " + column.name;
+        if (column.isSearched && (HasRow(HandleOf(session), rows + " < '' LIMIT 1") ||
+                                  HasRow(HandleOf(session), rows + " >= x'' LIMIT 1"))) {
+            throw std::runtime_error(NotText(column));
+        }
+    }
+}
+
+void SqliteFile::RequireSound()
+{
+    sqlite3* handle = HandleOf(session);
+    int result = SQLITE_ERROR;
+    const Statement check = FirstRowOf(handle, "PRAGMA quick_check(1)", result);
+    const auto* said = reinterpret_cast<const char*>(sqlite3_column_text(check.get(), 0));
+    if (result != SQLITE_ROW || said == nullptr || std::strcmp(said, "ok") != 0) {
+        throw std::runtime_error("the file is damaged: " + std::string(said != nullptr ? said : "no result") +
+                                 "; restore it from a backup");
+    }
+    for (const SecurityColumn& column : textColumns) {
+        if (HasRow(handle, std::string("SELECT 1 FROM ") + column.table + " WHERE typeof(" + column.name +
+                               ") NOT IN ('text', 'null') LIMIT 1")) {
+            throw std::runtime_error(NotText(column));
+        }
+    }
+}
