@@ -49,6 +49,7 @@ public:
     ~CFG_Error() override;
 };
 
+/// With `CFG_REQUIRE_END=1`, a file that does not end with the line "# end of configuration" cannot be read.
 class PLATFORM_EXPORT CFG_Factory {
 public:
     /// The root of the configuration that `CFG_REPOSITORY` names, read once, at the first call that finds it

@@ -93,4 +93,20 @@ TEST_F(ReloadTest, AManagerIsWhollyOfTheOldOrTheNew)
     }
 }
 
+// Neither by a first load, which every one here is, nor by a reload.
+TEST_F(ReloadTest, NoPartOfAFileIsTakenWhereItsEndIsRequired)
+{
+    setenv("CFG_REQUIRE_END", "1", 1);
+    const std::string whole = SampleText("archive.toml");
+    for (std::size_t length = 0; length < whole.size() - 1; ++length) {
+        Write("a.toml", whole.substr(0, length));
+        EXPECT_THROW(CFG_Factory::GetRepositoryServices(), CFG_Error) << length;
+        ExpectRefused(":");
+    }
+    Write("a.toml", whole.substr(0, whole.size() - 1)); // the last line without its end
+    EXPECT_NE(CFG_Factory::GetRepositoryServices(), nullptr);
+    Write("a.toml", whole);
+    CFG_Factory::Reload();
+}
+
 } // namespace

@@ -57,7 +57,6 @@ TEST_F(TomlRepositoryTest, Answers)
           "text = \" a \"\nbig = 4294967295\nlow = -2147483648\ndigits = \"0042\"\nminus = \"-1\"\n"
           "over = \"4294967296\"\nplus = \"+1\"\nunder = \"-2147483649\"\nblank = \"1 \"\nempty = \"\"\n"
           "letters = \"\"\"\\\n  \xC3\xA4\"\"\"\n");
-    std::filesystem::create_directory(Path("folder/sub.toml"));
     Load("folder");
     for (const Lines& row : CaseRows("configuration_reads.txt")) {
         EXPECT_EQ(Ask(row.at(0), row.at(1)), row.at(2)) << row.at(0) << " of '" << row.at(1) << "'";

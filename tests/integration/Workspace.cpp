@@ -10,7 +10,8 @@
 WorkspaceTest::WorkspaceTest()
 {
     // What an administrator has set is none of the tests' business.
-    for (const char* variable : {"CFG_REPOSITORY", "SECM_CONNECTION", "TMR_LOG_LEVEL", "TMR_LOG_FILE"}) {
+    for (const char* variable :
+         {"CFG_REPOSITORY", "CFG_REQUIRE_END", "SECM_CONNECTION", "TMR_LOG_LEVEL", "TMR_LOG_FILE"}) {
         unsetenv(variable);
     }
     std::string name = (std::filesystem::temp_directory_path() / "access-control-XXXXXX").string();

@@ -79,21 +79,6 @@ std::size_t PieceLength(std::string_view content)
     }
 }
 
-TextPosition PositionBehind(std::string_view content)
-{
-    TextPosition position;
-    for (const char byte : content) {
-        const bool continuesCharacter = (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-        if (byte == '\n') {
-            ++position.line;
-            position.column = 1;
-        } else if (!continuesCharacter) {
-            ++position.column;
-        }
-    }
-    return position;
-}
-
 // How many names, inline tables and arrays stand around the place that the scan has come to; the name of a table counts
 // for two, for what stands in it.
 class Depth {
@@ -163,6 +148,21 @@ private:
 };
 
 } // namespace
+
+TextPosition PositionBehind(std::string_view content)
+{
+    TextPosition position;
+    for (const char byte : content) {
+        const bool continuesCharacter = (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+        if (byte == '\n') {
+            ++position.line;
+            position.column = 1;
+        } else if (!continuesCharacter) {
+            ++position.column;
+        }
+    }
+    return position;
+}
 
 std::optional<TextPosition> FindTooDeep(std::string_view content, unsigned deepest)
 {

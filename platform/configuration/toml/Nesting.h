@@ -12,6 +12,9 @@ struct TextPosition {
     unsigned column = 1;
 };
 
+/// Where something would stand that followed `content`.
+TextPosition PositionBehind(std::string_view content);
+
 /// Where `content` first nests more than `deepest` names, inline tables and arrays in brackets inside one another; none
 /// when it nowhere does. (An array of tables is a name like others, and twice as deep at most.) A text that is no TOML
 /// is looked at likewise, up to its end.

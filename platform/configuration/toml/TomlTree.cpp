@@ -4,17 +4,13 @@
 #include "platform/configuration/toml/TomlTree.h"
 
 #include "platform/configuration/CFG_RepositoryServices.h"
+#include "platform/configuration/toml/ConfigurationFiles.h"
 #include "platform/configuration/toml/Nesting.h"
 
 #include <toml++/toml.h>
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <cstdint>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <new>
 #include <span>
 #include <utility>
@@ -27,31 +23,6 @@ constexpr std::int64_t largestInteger = 4294967295LL;
 
 // Far more than any path that is read, and far less than would exhaust the stack.
 constexpr unsigned deepestName = 200;
-
-// For what is wrong with a file as a whole.
-[[noreturn]] void RefuseFile(const std::string& path, const std::string& why)
-{
-    throw CFG_Error(path + ":1:1: " + why);
-}
-
-std::string ReadFile(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        RefuseFile(path, std::string("cannot be opened: ") + std::strerror(errno));
-    }
-    std::string content;
-    std::array<char, 65536> piece{};
-    do {
-        file.read(piece.data(), piece.size());
-        content.append(piece.data(), static_cast<std::size_t>(file.gcount()));
-    } while (file);
-    // The end of what could be read is not the end of the file: cut short, it would restrict less.
-    if (file.bad()) {
-        RefuseFile(path, std::string("cannot be read: ") + std::strerror(errno));
-    }
-    return content;
-}
 
 // The entry named `name` among sorted ones; null when there is none.
 template <class EntryType>
@@ -234,36 +205,12 @@ private:
     std::vector<Item> items;
 };
 
-std::vector<std::string> FilesOf(const std::string& path)
-{
-    namespace fs = std::filesystem;
-    if (std::error_code ignored; !fs::is_directory(path, ignored)) {
-        return {path};
-    }
-    std::vector<std::string> files;
-    try {
-        for (const auto& item : fs::directory_iterator(path)) {
-            const std::string name = item.path().filename().string();
-            if (name.ends_with(".toml") && !name.starts_with('.') && !item.is_directory()) {
-                files.push_back(item.path().string());
-            }
-        }
-    } catch (const fs::filesystem_error& error) {
-        RefuseFile(path, "the folder cannot be read: " + error.code().message());
-    }
-    if (files.empty()) {
-        RefuseFile(path, "the folder holds no *.toml file");
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
 } // namespace
 
 std::shared_ptr<const Tree> LoadTree(const std::string& path)
 {
     auto tree = std::make_shared<Tree>();
-    for (const std::string& file : FilesOf(path)) {
+    for (const std::string& file : FindFiles(path)) {
         Merging(*tree, file).MergeFile();
     }
     return tree;

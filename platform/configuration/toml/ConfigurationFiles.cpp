@@ -1,0 +1,204 @@
+// Whatever is not read is refused with its name: a file that is passed over or cut short restricts less.
+#include "platform/configuration/toml/ConfigurationFiles.h"
+
+#include "platform/configuration/CFG_RepositoryServices.h"
+#include "platform/configuration/toml/Nesting.h"
+
+#include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string_view>
+
+namespace configuration {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view suffix = ".toml";
+constexpr std::string_view endLine = "# end of configuration";
+
+[[noreturn]] void Refuse(const std::string& path, const std::string& why, TextPosition at = {})
+{
+    throw CFG_Error(path + ":" + std::to_string(at.line) + ":" + std::to_string(at.column) + ": " + why);
+}
+
+[[noreturn]] void RefuseAfterError(const std::string& path, const std::string& what)
+{
+    Refuse(path, what + ": " + std::strerror(errno));
+}
+
+const char* KindOf(mode_t mode)
+{
+    switch (mode & S_IFMT) {
+    case S_IFDIR:
+        return "a folder";
+    case S_IFIFO:
+        return "a named pipe";
+    case S_IFSOCK:
+        return "a socket";
+    default:
+        return "a device";
+    }
+}
+
+class Descriptor {
+public:
+    explicit Descriptor(int opened) : number(opened) {}
+    ~Descriptor() { close(number); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    const int number;
+};
+
+// Opening a pipe without a name waits for nobody: it is open already, as somebody's descriptor.
+bool IsPipeWithoutName(int descriptor)
+{
+    struct statfs fileSystem {};
+    return fstatfs(descriptor, &fileSystem) == 0 && fileSystem.f_type == PIPEFS_MAGIC;
+}
+
+// Without waiting for a writer, should it be a named pipe.
+int Open(const std::string& path)
+{
+    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (descriptor >= 0) {
+        return descriptor;
+    }
+    if (errno == ENXIO) {
+        Refuse(path, "cannot be opened: it is a socket, or a device that is not there; name a regular file");
+    }
+    const int error = errno;
+    std::error_code isNoLink;
+    const fs::path target = fs::read_symlink(path, isNoLink);
+    errno = error;
+    RefuseAfterError(path, "cannot be opened" + (isNoLink ? "" : " through the link to " + target.string()));
+}
+
+std::string ReadToItsEnd(const Descriptor& file, const std::string& path)
+{
+    std::string content;
+    std::array<char, 65536> piece{};
+    for (;;) {
+        const ssize_t count = read(file.number, piece.data(), piece.size());
+        if (count == 0) {
+            return content;
+        }
+        if (count > 0) {
+            content.append(piece.data(), static_cast<std::size_t>(count));
+        } else if (errno != EINTR) {
+            RefuseAfterError(path, "cannot be read");
+        }
+    }
+}
+
+bool IsEndRequired()
+{
+    const char* set = std::getenv("CFG_REQUIRE_END");
+    const std::string_view value = set != nullptr ? set : "";
+    if (value != "1" && value != "0" && !value.empty()) {
+        throw CFG_Error("CFG_REQUIRE_END is '" + std::string(value) +
+                        "'; set it to 1, so that each file must end with the line '" + std::string(endLine) +
+                        "', or to 0");
+    }
+    return value == "1";
+}
+
+// Whether the last line is the end line; one line end may stand behind it.
+bool HasEnd(std::string_view content)
+{
+    if (content.ends_with('\n')) {
+        content.remove_suffix(content.ends_with("\r\n") ? 2 : 1);
+    }
+    if (!content.ends_with(endLine)) {
+        return false;
+    }
+    content.remove_suffix(endLine.size());
+    return content.empty() || content.ends_with('\n');
+}
+
+bool IsHidden(const std::string& name)
+{
+    return name.starts_with('.');
+}
+
+std::string Lower(std::string text)
+{
+    const auto lower = [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    };
+    std::transform(text.begin(), text.end(), text.begin(), lower);
+    return text;
+}
+
+} // namespace
+
+std::vector<std::string> FindFiles(const std::string& path)
+{
+    if (std::error_code ignored; !fs::is_directory(path, ignored)) {
+        return {path};
+    }
+    std::vector<std::string> files;
+    try {
+        for (const auto& item : fs::directory_iterator(path)) {
+            const std::string name = item.path().filename().string();
+            if (IsHidden(name) || !Lower(name).ends_with(suffix)) {
+                continue;
+            }
+            if (!name.ends_with(suffix)) {
+                Refuse(item.path().string(), "its name does not end in " + std::string(suffix) +
+                                                 " in small letters; rename it to end in " + std::string(suffix) +
+                                                 ", or move it away");
+            }
+            files.push_back(item.path().string());
+        }
+    } catch (const fs::filesystem_error& error) {
+        Refuse(path, "the folder cannot be read: " + error.code().message());
+    }
+    if (files.empty()) {
+        Refuse(path, "the folder holds no *.toml file");
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+std::string ReadFile(const std::string& path)
+{
+    const Descriptor file(Open(path));
+    struct stat status {};
+    if (fstat(file.number, &status) != 0) {
+        RefuseAfterError(path, "cannot be looked at");
+    }
+    const bool isPipe = IsPipeWithoutName(file.number);
+    if (!S_ISREG(status.st_mode) && !isPipe) {
+        Refuse(path, std::string("is ") + KindOf(status.st_mode) +
+                         ", which cannot be read as a configuration; name a regular file, or move it out of the "
+                         "configuration's folder");
+    }
+    if (fcntl(file.number, F_SETFL, 0) != 0) { // whoever writes into a pipe may take their time
+        RefuseAfterError(path, "cannot be read");
+    }
+    std::string content = ReadToItsEnd(file, path);
+    if (isPipe && content.empty()) {
+        // A pipe is read once only. Nothing, taken for a configuration, would restrict nobody.
+        Refuse(path, "the pipe holds nothing, or was read before; name a regular file to read it more than once");
+    }
+    if (IsEndRequired() && !HasEnd(content)) {
+        Refuse(path,
+               "the file ends without the line '" + std::string(endLine) +
+                   "', which CFG_REQUIRE_END=1 asks for; write the file whole, and that line as its last one",
+               PositionBehind(content));
+    }
+    return content;
+}
+
+} // namespace configuration
