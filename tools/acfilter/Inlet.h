@@ -24,14 +24,27 @@ public:
     void Tell(Report& report) const; ///< One finding for each kind of trouble, however many texts make it.
 
 private:
+    /// A text may come to stand between these two.
+    void AddPlace(const std::string& before, const std::string& behind);
+    std::string Counted(const Tally& tally) const;
+    void TellOfNothing(Report& report) const;
+
+    const CheckedScope scope;
     CheckedManager& manager;
     const ConditionDefinition& condition;
     CFG_Place place;
     bool isToken;
     std::string placeholder;
     std::string attributeName;
-    std::string quotes;                  // what stands around the text in the template
+    bool isUsed = false;                 // the template has the placeholder
+    std::string quotes;                  // what may be open around the text in the template
+    bool isUnquoted = false;             // whether no quote may be open there
+    bool matchesEverything = false;      // whether the empty text may
     std::vector<std::string> disturbing; // what the module would look for in the text
     Tally quoted;
     Tally disturbed;
+    Tally escaping;
+    Tally noWord;
+    Tally nothing;
+    bool isOwnNothing = false; // "%my%" among others
 };

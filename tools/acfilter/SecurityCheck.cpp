@@ -71,11 +71,10 @@ public:
         if (resource.empty()) {
             return; // held outright, or dropped
         }
-        if (resource == ownValue) {
-            own.Add(PositionOf(grant));
-            return;
+        (resource == ownValue ? own : others).Add(PositionOf(grant));
+        if (resource == ownValue && !field.myField.empty()) {
+            return; // the attribute's value stands in for it
         }
-        others.Add(PositionOf(grant));
         for (Inlet& inlet : inlets) {
             inlet.Look(resource, PositionOf(grant));
         }

@@ -1,14 +1,51 @@
 // The settings of a repository.
 #include "tools/acfilter/ConfigurationCheck.h"
 
+#include <algorithm>
+
 namespace {
+
+// What an engine takes for no filter: blanks, in whatever form, and comments.
+bool SaysNothing(std::string_view filter)
+{
+    while (!filter.empty()) {
+        std::size_t length = 0;
+        for (const std::string_view blank : {" ", "\t", "\n", "\v", "\f", "\r", "\u00A0", "\u3000", "\uFEFF"}) {
+            length = std::max(length, filter.starts_with(blank) ? blank.size() : 0);
+        }
+        if (filter.starts_with("--")) {
+            length = filter.find('\n');
+        } else if (filter.starts_with("/*")) {
+            const std::size_t end = filter.find("*/", 2);
+            length = end != std::string_view::npos ? end + 2 : end;
+        }
+        if (length == 0) {
+            return false;
+        }
+        filter.remove_prefix(std::min(length, filter.size()));
+    }
+    return true;
+}
+
+// What is wrong with the setting `key` that says nothing.
+std::string Lack(const CheckedRepository& repository, const std::string& key, const std::string& filter)
+{
+    return filter.empty() ? repository.table.Lack(key) : key + " holds nothing but blanks or a comment";
+}
+
+std::string NoFilter(const std::string& filter)
+{
+    return filter.empty() ? "the empty filter" : "a filter that restricts nothing";
+}
 
 void NothingIsHidden(const CheckedRepository& repository, Report& report)
 {
-    if (repository.manager->hideAllFilter.empty()) {
-        report.Error("AC001", repository.table.PlaceOf("hide_all_filter"), repository.table.Lack("hide_all_filter"),
-                     "users for whom a restriction cannot be written, such as those whom nobody granted a value, get "
-                     "the empty filter and see every record; so does everybody while there is no security manager",
+    const std::string& filter = repository.manager->hideAllFilter;
+    if (SaysNothing(filter)) {
+        report.Error("AC001", repository.table.PlaceOf("hide_all_filter"), Lack(repository, "hide_all_filter", filter),
+                     "users for whom a restriction cannot be written, such as those whom nobody granted a value, get " +
+                         NoFilter(filter) +
+                         " and see every record; so does everybody while there is no security manager",
                      "write a filter that no record matches, such as hide_all_filter = \"1 = 0\"");
     }
 }
@@ -16,7 +53,7 @@ void NothingIsHidden(const CheckedRepository& repository, Report& report)
 void HiddenLikeUnknown(const CheckedRepository& repository, Report& report)
 {
     const CheckedManager& manager = *repository.manager;
-    if (!manager.hideAllFilter.empty() && manager.hideAllFilter == manager.defaultFilter) {
+    if (!SaysNothing(manager.hideAllFilter) && manager.hideAllFilter == manager.defaultFilter) {
         report.Error("AC002", repository.table.PlaceOf("hide_all_filter"),
                      "hide_all_filter and default_filter are both '" + manager.hideAllFilter + "'",
                      "users for whom a restriction cannot be written see what unknown users see, and nobody can tell "
@@ -110,9 +147,10 @@ void ClausesRunTogether(const CheckedRepository& repository, Report& report)
 
 void StrangersSeeEverything(const CheckedRepository& repository, Report& report)
 {
-    if (repository.manager->defaultFilter.empty()) {
-        report.Warn("AC033", repository.table.PlaceOf("default_filter"), repository.table.Lack("default_filter"),
-                    "users whom the security database does not know get the empty filter and see every record",
+    const std::string& filter = repository.manager->defaultFilter;
+    if (SaysNothing(filter)) {
+        report.Warn("AC033", repository.table.PlaceOf("default_filter"), Lack(repository, "default_filter", filter),
+                    "users whom the security database does not know get " + NoFilter(filter) + " and see every record",
                     "write what such users may see, such as default_filter = \"0 = 1\" for nothing");
     }
 }

@@ -1,9 +1,16 @@
 // What somebody may have meant to write.
 #pragma once
 
+#include <cctype>
 #include <string>
 #include <string_view>
 #include <vector>
+
+/// A letter or digit of ASCII, or "_".
+inline bool IsWordCharacter(char character)
+{
+    return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
+}
 
 /// How many characters have to be changed, added, left out or swapped with the next to make one text of the other;
 /// upper and lower case do not count.

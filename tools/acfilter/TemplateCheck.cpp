@@ -5,7 +5,6 @@
 #include "tools/acfilter/Spelling.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace {
 
@@ -48,11 +47,6 @@ void ValuesBesideTokens(const CheckedScope& scope, Report& report)
 
 constexpr char mask = '\0'; // no template holds it
 
-bool IsWord(char character)
-{
-    return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
-}
-
 std::string Trimmed(const std::string& text)
 {
     const std::size_t first = text.find_first_not_of(' ');
@@ -91,7 +85,7 @@ std::string TakeMisspelt(std::string& text, const std::string& name)
         const std::size_t end = start + name.size();
         const char before = start > 0 ? text[start - 1] : mask;
         const char after = end < text.size() ? text[end] : mask;
-        if (!IsWord(before) && !IsWord(after) && (before == '%') != (after == '%')) {
+        if (!IsWordCharacter(before) && !IsWordCharacter(after) && (before == '%') != (after == '%')) {
             std::fill(text.begin() + static_cast<long>(start), text.begin() + static_cast<long>(end), mask);
             return before == '%' ? "%" + name : name + "%";
         }
@@ -142,7 +136,7 @@ void TokensOfNoList(const CheckedScope& scope, Report& report)
     const std::string& text = scope.condition.read->conditionText;
     const std::string listed = scope.Text("replace_fields");
     for (std::size_t start = text.find('$'); start != std::string::npos;) {
-        const auto end = std::find_if_not(text.begin() + static_cast<long>(start) + 1, text.end(), IsWord);
+        const auto end = std::find_if_not(text.begin() + static_cast<long>(start) + 1, text.end(), IsWordCharacter);
         const std::string token(text.begin() + static_cast<long>(start), end == text.end() ? end : end + 1);
         if (token.size() > 2 && token.back() == '$' && listed.find(token) == std::string::npos) {
             report.Warn("AC034", scope.PlaceOf("condition"),
