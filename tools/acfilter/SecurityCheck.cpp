@@ -12,6 +12,9 @@
 
 namespace {
 
+// The place of what is wrong with the connection itself.
+constexpr const char* securityOption = "--security";
+
 std::string PositionOf(const SECM_Grant& grant)
 {
     return "that at position " + std::to_string(grant.position);
@@ -230,6 +233,9 @@ void CheckSecurity(const std::vector<CheckedRepository>& repositories, SECM_List
         }
     }
 
+    security.ForEachConcern([&](const SECM_Concern& concern) {
+        Report(findings, "").Warn("AC051", {securityOption, 1, 1}, concern.problem, concern.effect, concern.remedy);
+    });
     security.ForEachGrant([&](const SECM_Grant& grant) {
         const std::string name = grant.permission.name();
         const bool isAskedFor = askedFor.count(name) != 0;
