@@ -33,13 +33,14 @@ std::string JsonLine(const Json& object)
     line.reserve(text.size() + 1);
     for (std::size_t at = 0; at < text.size();) {
         const bool mayControl = static_cast<unsigned char>(text[at]) >= 0x7f; // most do not
-        const std::size_t length = mayControl ? ControlLength(text.substr(at)) : 0;
-        if (length == 0) {
-            line += text[at++];
+        const FirstCharacter first = mayControl ? FirstCharacterOf(text.substr(at)) : FirstCharacter{1, false};
+        const std::string_view character = text.substr(at, first.length);
+        if (first.isControl) {
+            line += Escaped(character);
         } else {
-            line += Escaped(text.substr(at, length));
-            at += length;
+            line += character;
         }
+        at += first.length;
     }
     return line += '\n';
 }

@@ -1,23 +1,63 @@
 #include "tools/acfilter/Printable.h"
 
-std::size_t ControlLength(std::string_view text)
+#include <algorithm>
+
+namespace {
+
+// In the range that the first byte of a character leaves to the second.
+bool IsSecond(unsigned first, unsigned second)
+{
+    const unsigned lowest = first == 0xe0 ? 0xa0 : first == 0xf0 ? 0x90 : 0x80;  // below are longer forms of others
+    const unsigned highest = first == 0xed ? 0x9f : first == 0xf4 ? 0x8f : 0xbf; // above are surrogates, or nothing
+    return second >= lowest && second <= highest;
+}
+
+// Of the whole character that `text` begins with in UTF-8; 0 when it begins with none.
+std::size_t CharacterLength(std::string_view text)
 {
     const auto byte = [text](std::size_t index) {
-        return index < text.size() ? static_cast<unsigned char>(text[index]) : 0U;
+        return static_cast<unsigned>(static_cast<unsigned char>(text[index]));
     };
-    if (byte(0) < 0x20 || byte(0) == 0x7f) {
+    const unsigned first = byte(0);
+    if (first < 0x80) {
         return 1;
     }
-    if (byte(0) == 0xc2 && byte(1) >= 0x80 && byte(1) < 0xa0) {
-        return 2; // a second set of control characters
+    const std::size_t length = first >= 0xc2 && first <= 0xdf   ? 2
+                               : first >= 0xe0 && first <= 0xef ? 3
+                               : first >= 0xf0 && first <= 0xf4 ? 4
+                                                                : 0;
+    if (length == 0 || text.size() < length || !IsSecond(first, byte(1))) {
+        return 0;
     }
-    if (byte(0) == 0xd8 && byte(1) == 0x9c) {
-        return 2; // the one mark of direction that is that short
+    const std::string_view others = text.substr(2, length - 2);
+    const auto continues = [](char other) { return (static_cast<unsigned char>(other) & 0xc0U) == 0x80; };
+    return std::all_of(others.begin(), others.end(), continues) ? length : 0;
+}
+
+bool IsControl(std::string_view character)
+{
+    const auto byte = [character](std::size_t index) { return static_cast<unsigned char>(character[index]); };
+    switch (character.size()) {
+    case 1:
+        return byte(0) < 0x20 || (byte(0) >= 0x7f && byte(0) < 0xa0);
+    case 2:
+        return (byte(0) == 0xc2 && byte(1) < 0xa0) || // a second set of control characters
+               (byte(0) == 0xd8 && byte(1) == 0x9c);  // the one mark of direction that is that short
+    case 3:
+        return byte(0) == 0xe2 && ((byte(1) == 0x80 && (byte(2) == 0x8e || byte(2) == 0x8f)) ||
+                                   (byte(1) == 0x80 && byte(2) >= 0xa8 && byte(2) <= 0xae) ||
+                                   (byte(1) == 0x81 && byte(2) >= 0xa6 && byte(2) <= 0xa9));
+    default:
+        return false;
     }
-    const bool turnsDirection = (byte(1) == 0x80 && (byte(2) == 0x8e || byte(2) == 0x8f)) ||
-                                (byte(1) == 0x80 && byte(2) >= 0xa8 && byte(2) <= 0xae) ||
-                                (byte(1) == 0x81 && byte(2) >= 0xa6 && byte(2) <= 0xa9);
-    return byte(0) == 0xe2 && turnsDirection ? 3 : 0;
+}
+
+} // namespace
+
+FirstCharacter FirstCharacterOf(std::string_view text)
+{
+    const std::size_t length = std::max<std::size_t>(CharacterLength(text), 1);
+    return {length, IsControl(text.substr(0, length))};
 }
 
 std::string Printable(std::string_view text)
@@ -26,15 +66,16 @@ std::string Printable(std::string_view text)
     std::string printable;
     printable.reserve(text.size());
     while (!text.empty()) {
-        const std::size_t length = ControlLength(text);
+        const auto [length, isControl] = FirstCharacterOf(text);
         for (const char character : text.substr(0, length)) {
             const auto byte = static_cast<unsigned char>(character);
-            printable.append("\\x").append(1, digits[byte >> 4U]).append(1, digits[byte & 0xfU]);
+            if (isControl) {
+                printable.append("\\x").append(1, digits[byte >> 4U]).append(1, digits[byte & 0xfU]);
+            } else {
+                printable += character;
+            }
         }
-        if (length == 0) {
-            printable += text.front();
-        }
-        text.remove_prefix(length == 0 ? 1 : length);
+        text.remove_prefix(length);
     }
     return printable;
 }
