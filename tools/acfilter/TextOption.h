@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include <string>
+#include <type_traits>
 #include <vector>
 
 /// The command line in the form that `app` parses, with the texts in question marked so that they are none of its
@@ -19,5 +20,9 @@ std::string WithoutMark(std::string& text);
 template <class Value>
 CLI::Option* AddOption(CLI::App& command, const std::string& name, Value& value, const std::string& help)
 {
-    return command.add_option(name, value, help)->transform(CLI::Validator(WithoutMark, ""));
+    CLI::Option* option = command.add_option(name, value, help)->transform(CLI::Validator(WithoutMark, ""));
+    if constexpr (std::is_convertible_v<int, Value>) { // an empty text would be taken for 0
+        option->check([](const std::string& text) { return text.empty() ? "a number is missing" : std::string(); });
+    }
+    return option;
 }
