@@ -185,7 +185,7 @@ protected:
         const std::vector<std::string> pieces = {
             "<",  ">",  "&",        "\"",  "'",       ",",           "=",        "+",     "-",        "@",    "\t",
             "\r", "\n", "\x1b[31m", "é",   "\u202e",  "\\",          "|",        "</td>", "<script>", "&lt;", "-->",
-            " ",  "ש",  "a",        "]]>", "%values", "javascript:", "</title>", "\x7f",  "\u061c"};
+            " ",  "ש",  "a",        "]]>", "%values", "javascript:", "</title>", "\x7f",  "\u061c",   "＝"};
         std::string text;
         for (auto count = 1 + random() % 6; count != 0; --count) {
             text += OneOf(pieces);
@@ -235,10 +235,11 @@ TEST_F(HostileReportTest, CsvIsReadAsItWasMeant)
     }
     ASSERT_EQ(rows.size(), users.size() + 2); // the titles, and nothing behind the last line end
     std::size_t index = 0;
+    const std::regex formula("^([\t\r]|[ \t\r\n,|\"]*(＝|[-=+@]))");
     for (const auto& [name, user] : users) {
         std::vector<std::string> cells = Cells(name, user);
         for (std::string& cell : cells) {
-            cell.insert(0, cell.find_first_of("=+-@\t\r") == 0 ? "'" : "");
+            cell.insert(0, std::regex_search(cell, formula) ? "'" : "");
         }
         ASSERT_EQ(rows[++index], cells);
     }

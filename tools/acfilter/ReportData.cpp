@@ -5,8 +5,37 @@
 #include "tools/acfilter/Printable.h"
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 
 namespace {
+
+// What stands at the start of `text` and spreadsheets pass over, or take for the end of the cell before.
+std::string_view WithoutPassedOver(std::string_view text)
+{
+    constexpr std::array<std::string_view, 12> passedOver = {" ", "\t", "\r", "\n", "\v",       "\f",
+                                                             ",", ";",  "|",  "\"", "\xc2\xa0", "\xe3\x80\x80"};
+    for (auto next = passedOver.begin(); next != passedOver.end();) {
+        if (text.starts_with(*next)) {
+            text.remove_prefix(next->size());
+            next = passedOver.begin();
+        } else {
+            ++next;
+        }
+    }
+    return text;
+}
+
+// Also the full-width forms.
+bool MayBeFormula(std::string_view text)
+{
+    constexpr std::array<std::string_view, 8> beginnings = {
+        "=", "+", "-", "@", "\xef\xbc\x9d", "\xef\xbc\x8b", "\xef\xbc\x8d", "\xef\xbc\xa0"};
+    const std::string_view rest = WithoutPassedOver(text);
+    return text.starts_with('\t') || text.starts_with('\r') ||
+           std::any_of(beginnings.begin(), beginnings.end(),
+                       [rest](std::string_view beginning) { return rest.starts_with(beginning); });
+}
 
 // RFC 4180, and nothing that a spreadsheet would take for a formula.
 class CsvReport final : public ReportWriter {
@@ -42,7 +71,7 @@ private:
     std::string Cell(const std::string& text) const
     {
         std::string cell = head.isForTerminal ? Printable(text) : text;
-        if (!cell.empty() && std::string_view("=+-@\t\r").find(cell.front()) != std::string_view::npos) {
+        if (MayBeFormula(cell)) {
             cell.insert(0, 1, '\'');
         }
         if (cell.find_first_of(",\"\r\n") == std::string::npos) {
