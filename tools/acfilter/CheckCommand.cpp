@@ -7,6 +7,7 @@
 #include "tools/acfilter/HostOptions.h"
 #include "tools/acfilter/Json.h"
 #include "tools/acfilter/Output.h"
+#include "tools/acfilter/OutputFile.h"
 #include "tools/acfilter/Printable.h"
 #include "tools/acfilter/SecurityCheck.h"
 #include "tools/acfilter/TextOption.h"
@@ -102,20 +103,21 @@ std::string Counted(std::size_t count, const std::string& noun)
 
 void PrintFindings(CheckOptions& options, ExitStatus& status)
 {
+    OutputFile output(std::nullopt);
     const std::vector<Finding> findings = Check(options);
-    std::string output;
+    std::string text;
     for (const Finding& finding : findings) {
-        output += options.format == "json" ? AsJson(finding) : AsText(finding);
+        text += options.format == "json" ? AsJson(finding) : AsText(finding);
     }
     const auto isError = [](const Finding& finding) { return finding.severity == Severity::error; };
     const auto errors = static_cast<std::size_t>(std::count_if(findings.begin(), findings.end(), isError));
     if (options.format == "text") {
-        output += (findings.empty() ? "no findings"
-                                    : Counted(errors, "error") + ", " + Counted(findings.size() - errors, "warning")) +
-                  "\n";
+        text += (findings.empty() ? "no findings"
+                                  : Counted(errors, "error") + ", " + Counted(findings.size() - errors, "warning")) +
+                "\n";
     }
-    Print(output);
-    FlushOutput();
+    output.Write(text);
+    output.Finish();
     if (errors > 0 || (options.strict && !findings.empty())) {
         status = configurationIsWrong;
     }

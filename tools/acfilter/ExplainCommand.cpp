@@ -3,6 +3,7 @@
 #include "tools/acfilter/ExplainingManager.h"
 #include "tools/acfilter/Explanation.h"
 #include "tools/acfilter/Output.h"
+#include "tools/acfilter/OutputFile.h"
 #include "tools/acfilter/RequestOptions.h"
 #include "tools/acfilter/TextOption.h"
 
@@ -48,6 +49,7 @@ WhatIf TriedChanges(const ExplainOptions& options)
 void Explain(const ExplainOptions& options)
 {
     WhatIf tried = TriedChanges(options);
+    OutputFile output(std::nullopt);
     ApplyHostOptions(options.host);
     RequireRepository(options.host);
     ExplainingManager manager(options.host.repository, std::move(tried));
@@ -58,8 +60,8 @@ void Explain(const ExplainOptions& options)
     const Explanation explanation{options.host.repository, std::move(account),
                                   NamesOfDefinitions(options.host.repository), manager.Tried()};
     const TextStyle style{options.isFull, OutputTakesColours(), OutputIsTerminal()};
-    Print(options.request.format == "json" ? ExplanationJson(explanation) : ExplanationText(explanation, style));
-    FlushOutput();
+    output.Write(options.request.format == "json" ? ExplanationJson(explanation) : ExplanationText(explanation, style));
+    output.Finish();
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 #include "tools/acfilter/FilterCommand.h"
 
 #include "tools/acfilter/Json.h"
-#include "tools/acfilter/Output.h"
+#include "tools/acfilter/OutputFile.h"
 #include "tools/acfilter/Progress.h"
 #include "tools/acfilter/RequestOptions.h"
 #include "tools/acfilter/TextOption.h"
@@ -47,6 +47,7 @@ std::string LineFor(const FilterOptions& options, const std::string& userName, A
 
 void PrintFilters(const FilterOptions& options)
 {
+    OutputFile output(std::nullopt);
     ApplyHostOptions(options.host);
     RequireRepository(options.host);
     WatchingManager manager(options.host.repository);
@@ -55,10 +56,10 @@ void PrintFilters(const FilterOptions& options)
     Progress progress;
     ForEachUser(options, [&](const std::string& userName) {
         const Request request{userName, options.request.ipAddress, options.request.withoutLogin};
-        Print(LineFor(options, userName, AskFor(userName, [&] { return manager.Ask(request); })));
+        output.Write(LineFor(options, userName, AskFor(userName, [&] { return manager.Ask(request); })));
         progress.CountOne();
     });
-    FlushOutput();
+    output.Finish();
 }
 
 } // namespace

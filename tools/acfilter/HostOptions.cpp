@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <new>
 #include <stdexcept>
 
 void AddHostOptions(CLI::App& command, HostOptions& options, HostNeeds needs)
@@ -43,8 +44,12 @@ void ApplyHostOptions(const HostOptions& options)
         setenv("TMR_LOG_FILE", options.logFile->c_str(), replaceExisting);
     }
 
-    if (CFG_Factory::GetRepositoryServices() == nullptr) {
-        throw std::runtime_error("no configuration: the path given to --config is empty");
+    try {
+        if (CFG_Factory::GetRepositoryServices() == nullptr) {
+            throw std::runtime_error("no configuration: the path given to --config is empty");
+        }
+    } catch (const std::bad_alloc&) {
+        throw std::runtime_error(options.configuration + ": cannot be read: " + memoryRanOut);
     }
 }
 

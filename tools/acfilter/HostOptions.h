@@ -26,6 +26,10 @@ struct HostNeeds {
 /// Adds the options to `command`; `options` must live until it has been parsed.
 void AddHostOptions(CLI::App& command, HostOptions& options, HostNeeds needs = {});
 
+/// What is told of std::bad_alloc, behind what was being done.
+inline constexpr const char* memoryRanOut =
+    "memory ran out; raise the limit (ulimit -v, or that of the service or container), or free some on this machine";
+
 /// Hands the options on to the platform layers, by their environment variables, and makes sure that there is a
 /// configuration. Call it before anything else of the platform. Throws std::runtime_error, and CFG_Error when the
 /// configuration cannot be used.

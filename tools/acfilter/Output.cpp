@@ -1,34 +1,21 @@
 #include "tools/acfilter/Output.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <stdexcept>
 
-namespace {
-
-[[noreturn]] void RefuseToGoOn()
+bool HoldStandardDescriptors()
 {
-    throw std::runtime_error(std::string("standard output cannot be written: ") + std::strerror(errno));
-}
-
-} // namespace
-
-void Print(const std::string& text)
-{
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
-        RefuseToGoOn();
+    bool areHeld = true;
+    for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+        if (fcntl(descriptor, F_GETFD) == -1) {
+            // The lowest free number is this one.
+            areHeld = open("/dev/null", descriptor == STDOUT_FILENO ? O_RDONLY : O_WRONLY) == descriptor && areHeld;
+        }
     }
-}
-
-void FlushOutput()
-{
-    if (std::fflush(stdout) != 0) {
-        RefuseToGoOn();
-    }
+    return areHeld;
 }
 
 bool OutputIsTerminal()

@@ -1,12 +1,9 @@
 #pragma once
 
-#include <string>
-
-/// Writes to standard output. Throws std::runtime_error when it cannot be written.
-void Print(const std::string& text);
-
-/// Writes out what was printed. Throws std::runtime_error when it cannot be written.
-void FlushOutput();
+/// Opens those of the descriptors 0 to 2 that are closed, so that nothing that is opened later gets their numbers, and
+/// with them what is meant for standard output. Reading standard input and writing standard output fail then; what goes
+/// to standard error is lost. Call it before anything is opened. False when a descriptor cannot be opened.
+bool HoldStandardDescriptors();
 
 bool OutputIsTerminal();
 

@@ -1,69 +1,44 @@
 #include "tools/acfilter/OutputFile.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
+#include <sys/file.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <stdexcept>
 
 namespace {
 
-namespace fs = std::filesystem;
+constexpr mode_t forOwner = S_IRUSR | S_IWUSR;
+constexpr const char* accessControlList = "system.posix_acl_access";
 
-// As many as the system itself follows.
-constexpr int mostLinks = 40;
+// The hidden name of the longest name is no longer than the system lets names be.
+constexpr std::size_t longestShownName = 200;
 
-// Of the one file that is being written; its owner keeps the text.
-const char* volatile unfinished = nullptr;
-
-void RemoveUnfinished(int signal)
+std::string PathOf(int descriptor)
 {
-    if (unfinished != nullptr) {
-        unlink(unfinished);
-    }
-    std::signal(signal, SIG_DFL);
-    std::raise(signal);
+    return "/proc/self/fd/" + std::to_string(descriptor);
 }
 
-void RemoveUnfinishedOnSignals()
+bool IsOpenForWriting(int descriptor)
 {
-    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
-        if (std::signal(signal, RemoveUnfinished) == SIG_IGN) {
-            std::signal(signal, SIG_IGN);
-        }
-    }
+    const int flags = fcntl(descriptor, F_GETFL);
+    const bool isOpen = flags != -1 && (flags & O_ACCMODE) != O_RDONLY;
+    errno = isOpen ? errno : EBADF;
+    return isOpen;
 }
 
-// What a file has that is made by any other program; one that is replaced keeps what it has.
-mode_t ModeFor(const std::string& path)
+// Whether the open file has the name in the folder.
+bool HasName(int descriptor, int folder, const std::string& name)
 {
-    struct stat old {};
-    if (stat(path.c_str(), &old) == 0) {
-        return old.st_mode & 07777U;
-    }
-    const mode_t mask = umask(0);
-    umask(mask);
-    return 0666U & ~mask;
-}
-
-// Not a link, which would be replaced by the file instead of leading to it.
-std::string PlaceOf(const std::string& path)
-{
-    std::error_code none;
-    fs::path place = path;
-    for (int links = 0; links < mostLinks && fs::is_symlink(place, none); ++links) {
-        place = place.parent_path() / fs::read_symlink(place);
-    }
-    if (!place.has_filename() || (fs::exists(place, none) && !fs::is_regular_file(place, none))) {
-        throw std::runtime_error("--output '" + path +
-                                 "' is no file; name one, or leave the option out to write to standard output");
-    }
-    return place.string();
+    struct stat file {};
+    struct stat named {};
+    return fstat(descriptor, &file) == 0 && fstatat(folder, name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+           file.st_dev == named.st_dev && file.st_ino == named.st_ino;
 }
 
 std::string TemporaryFolder()
@@ -72,35 +47,70 @@ std::string TemporaryFolder()
     return folder != nullptr && *folder != '\0' ? folder : "/tmp";
 }
 
+// Open for reading and writing, and without a name; -1 when there can be none.
+Descriptor UnnamedFile(const std::string& folder)
+{
+    Descriptor unnamed(open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, forOwner));
+    if (unnamed.Get() == -1) {
+        std::string name = folder + "/.acfilter.XXXXXX";
+        unnamed = Descriptor(mkostemp(name.data(), O_CLOEXEC));
+        if (unnamed.Get() != -1) {
+            unlink(name.c_str());
+        }
+    }
+    return unnamed;
+}
+
 } // namespace
 
-OutputFile::OutputFile(const std::optional<std::string>& path)
+OutputFile::OutputFile(const std::optional<std::string>& outputPath) : OutputFile()
 {
-    if (!path) {
-        // Closed, its number would go to the next file that is opened.
-        if (fcntl(STDOUT_FILENO, F_GETFD) == -1) {
-            Refuse();
-        }
-        return;
-    }
-    place = PlaceOf(*path);
-    temporary = ScratchFolder() + "/." + fs::path(place).filename().string() + ".XXXXXX";
-    const int descriptor = mkostemp(temporary.data(), O_CLOEXEC);
-    if (descriptor == -1) {
+    if (outputPath) {
+        place = FindOutputPlace(*outputPath);
+        path = *outputPath;
+        Begin();
+    } else if (!IsOpenForWriting(STDOUT_FILENO)) { // which would show only at the end
         Refuse();
     }
-    file = fdopen(descriptor, "w");
-    unfinished = temporary.c_str();
-    RemoveUnfinishedOnSignals();
+}
+
+void OutputFile::Begin()
+{
+    hiddenName = "." + place.name.substr(0, longestShownName) + ".acfilter-unfinished";
+    RemoveAbandoned();
+    const int folder = place.folder.Get();
+    Descriptor unfinished(openat(folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, forOwner));
+    if (unfinished.Get() == -1) {
+        unfinished = Descriptor(openat(folder, hiddenName.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, forOwner));
+        isHidden = unfinished.Get() != -1;
+    }
+    std::FILE* opened = unfinished.Get() != -1 ? fdopen(unfinished.Get(), "w") : nullptr;
+    if (opened == nullptr) {
+        Refuse();
+    }
+    file = opened;
+    // Until it is closed, the lock tells a file that is being written from one that was left.
+    const bool isLocked = flock(unfinished.Release(), LOCK_EX | LOCK_NB) == 0;
+    if (!isLocked && errno != EWOULDBLOCK) {
+        Refuse();
+    }
+    if (!isLocked || (isHidden && !HasName(fileno(file), folder, hiddenName))) {
+        isHidden = false; // another run took it for one that was left
+        Refuse("another run of acfilter writes it; run again when that is done");
+    }
+    if (place.old && fchown(fileno(file), place.old->st_uid, place.old->st_gid) != 0) {
+        Refuse("the new file cannot have the owner and group of the old one (user " +
+               std::to_string(place.old->st_uid) + ", group " + std::to_string(place.old->st_gid) +
+               "); run as that user, or remove the old file");
+    }
 }
 
 OutputFile::~OutputFile()
 {
-    if (!temporary.empty()) {
-        unfinished = nullptr;
-        unlink(temporary.c_str());
+    if (isHidden) {
+        unlinkat(place.folder.Get(), hiddenName.c_str(), 0);
     }
-    if (!place.empty()) {
+    if (file != stdout) {
         std::fclose(file);
     }
 }
@@ -117,39 +127,128 @@ void OutputFile::Finish()
     if (std::fflush(file) != 0) {
         Refuse();
     }
-    if (place.empty()) {
+    if (path.empty()) {
         return;
     }
-    if (fchmod(fileno(file), ModeFor(place)) != 0 || fsync(fileno(file)) != 0 ||
-        std::rename(temporary.c_str(), place.c_str()) != 0) {
+    if (place.old) {
+        KeepAccess();
+    }
+    if (fsync(fileno(file)) != 0) {
         Refuse();
     }
-    unfinished = nullptr;
-    temporary.clear();
+    PutInPlace();
 }
 
 std::string OutputFile::ScratchFolder() const
 {
-    const fs::path path = place;
-    return path.has_parent_path() || place.empty() ? path.parent_path().string() : ".";
+    return place.folderPath;
+}
+
+// A file of the hidden name that nobody writes, and that cannot be anybody's but ours or the old file's owner's.
+void OutputFile::RemoveAbandoned() const
+{
+    const int folder = place.folder.Get();
+    struct stat found {};
+    if (fstatat(folder, hiddenName.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0) {
+        if (errno != ENOENT) {
+            Refuse();
+        }
+        return;
+    }
+    const bool isOurs = found.st_uid == geteuid() || (place.old && found.st_uid == place.old->st_uid);
+    if (!S_ISREG(found.st_mode) || !isOurs) {
+        Refuse("'" + hiddenName +
+               "' beside it is not what acfilter leaves there when it is killed; see whose it is, "
+               "and remove it");
+    }
+    const Descriptor abandoned(openat(folder, hiddenName.c_str(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (abandoned.Get() == -1 || flock(abandoned.Get(), LOCK_EX | LOCK_NB) != 0) {
+        Refuse(errno == EWOULDBLOCK ? "another run of acfilter writes it; run again when that is done"
+                                    : "'" + hiddenName + "', which a run before left beside it, cannot be removed: " +
+                                          std::strerror(errno));
+    }
+    if (HasName(abandoned.Get(), folder, hiddenName) && unlinkat(folder, hiddenName.c_str(), 0) != 0) {
+        Refuse();
+    }
+}
+
+// Nobody may read the new file who could not read the old one.
+void OutputFile::KeepAccess() const
+{
+    const std::string old = PathOf(place.folder.Get()) + "/" + place.name;
+    std::string entries(XATTR_SIZE_MAX, '\0');
+    const auto hasNone = [] { return errno == ENODATA || errno == EOPNOTSUPP; };
+    const ssize_t length = lgetxattr(old.c_str(), accessControlList, entries.data(), entries.size());
+    if (length < 0 && !hasNone()) {
+        Refuse();
+    }
+    const int descriptor = fileno(file);
+    if (length > 0 && fsetxattr(descriptor, accessControlList, entries.data(), static_cast<std::size_t>(length), 0)) {
+        Refuse();
+    }
+    if (length <= 0 && fremovexattr(descriptor, accessControlList) != 0 && !hasNone()) { // that the folder gave it
+        Refuse();
+    }
+    if (fchmod(descriptor, place.old->st_mode & ALLPERMS) != 0) {
+        Refuse();
+    }
+}
+
+bool OutputFile::LinkAs(const std::string& name) const
+{
+    return (isHidden ? linkat(place.folder.Get(), hiddenName.c_str(), place.folder.Get(), name.c_str(), 0)
+                     : linkat(AT_FDCWD, PathOf(fileno(file)).c_str(), place.folder.Get(), name.c_str(),
+                              AT_SYMLINK_FOLLOW)) == 0;
+}
+
+void OutputFile::PutInPlace()
+{
+    const int folder = place.folder.Get();
+    if (!place.old) {
+        bool isThere = LinkAs(place.name);
+        if (!isThere && isHidden && errno != EEXIST) { // there are no hard links
+            isThere = renameat2(folder, hiddenName.c_str(), folder, place.name.c_str(), RENAME_NOREPLACE) == 0;
+            isHidden = !isThere;
+        }
+        if (!isThere && errno == EEXIST) {
+            Refuse("there was no such file, but there is one now, which stays; see whose it is, and run again to "
+                   "replace it");
+        }
+        if (!isThere) {
+            Refuse();
+        }
+        return;
+    }
+    if (!isHidden) {
+        RemoveAbandoned();
+        if (!LinkAs(hiddenName)) {
+            Refuse();
+        }
+        isHidden = true;
+    }
+    if (renameat(folder, hiddenName.c_str(), folder, place.name.c_str()) != 0) {
+        Refuse();
+    }
+    isHidden = false;
 }
 
 void OutputFile::Refuse() const
 {
-    throw std::runtime_error((place.empty() ? "standard output" : place) +
-                             " cannot be written: " + std::strerror(errno));
+    Refuse(std::strerror(errno));
+}
+
+void OutputFile::Refuse(const std::string& why) const
+{
+    throw std::runtime_error((path.empty() ? "standard output" : path) + " cannot be written: " + why);
 }
 
 Spool::Spool(const std::string& folder) : place(folder.empty() ? TemporaryFolder() : folder)
 {
-    std::string name = place + "/.acfilter.XXXXXX";
-    const int descriptor = mkostemp(name.data(), O_CLOEXEC);
-    if (descriptor == -1) {
+    const Descriptor unnamed = UnnamedFile(place);
+    if (unnamed.Get() == -1) {
         Refuse("written");
     }
-    file.open(name, std::ios::in | std::ios::out | std::ios::binary);
-    unlink(name.c_str());
-    close(descriptor);
+    file.open(PathOf(unnamed.Get()), std::ios::in | std::ios::out | std::ios::binary);
 }
 
 void Spool::Write(std::string_view lines)

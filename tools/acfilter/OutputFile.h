@@ -1,5 +1,7 @@
-// Where a long answer goes: standard output, or a file that is whole or not there; and what has to wait meanwhile.
+// Where an answer goes: standard output, or a file that is whole or not there; and what has to wait meanwhile.
 #pragma once
+
+#include "tools/acfilter/OutputPlace.h"
 
 #include <cstdio>
 #include <fstream>
@@ -11,25 +13,39 @@
 /// What cannot be written throws std::runtime_error, from every operation.
 class OutputFile {
 public:
-    /// Standard output when there is no path. Otherwise the file is written beside its place, and takes it in Finish;
-    /// without that, or when a signal ends the program, nothing is left and an older file stays. One at a time.
+    /// Standard output when there is no path. Otherwise a file without a name is written, which Finish puts into its
+    /// place; without that, or when the program is killed, an older file stays and nothing is left. Where the file
+    /// system knows no such files, a hidden one (".NAME.acfilter-unfinished") is written beside the place, which the
+    /// next OutputFile for this place removes.
     explicit OutputFile(const std::optional<std::string>& path);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
     void Write(std::string_view text);
+
+    /// Only the owner may read a new file; one that is replaced leaves its owner, group, mode and access control list
+    /// to the new one. A file that has appeared where there was none is not replaced.
     void Finish();
 
     /// For a Spool: the folder that the file will be in, or empty.
     std::string ScratchFolder() const;
 
 private:
+    OutputFile() = default; // completed, so that whatever fails afterwards is cleaned up
+    void Begin();
+    void RemoveAbandoned() const;
+    void KeepAccess() const;
+    bool LinkAs(const std::string& name) const;
+    void PutInPlace();
     [[noreturn]] void Refuse() const;
+    [[noreturn]] void Refuse(const std::string& why) const;
 
     std::FILE* file = stdout;
-    std::string place;     // empty: standard output
-    std::string temporary; // empty: there is none any more
+    std::string path; // empty: standard output
+    OutputPlace place;
+    std::string hiddenName;
+    bool isHidden = false; // the file has that name
 };
 
 /// Lines that have to wait until something is known that comes before them. They are kept in a file without a name,

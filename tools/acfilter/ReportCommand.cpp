@@ -2,6 +2,7 @@
 // of users takes no memory.
 #include "tools/acfilter/ReportCommand.h"
 
+#include "tools/acfilter/CommandInputs.h"
 #include "tools/acfilter/DefinitionNames.h"
 #include "tools/acfilter/ExplainingManager.h"
 #include "tools/acfilter/Output.h"
@@ -70,6 +71,10 @@ void Report(const ReportOptions& options)
     OutputFile output(options.output);
     head.isForTerminal = !options.output && OutputIsTerminal();
     ExplainingManager manager(options.host.repository);
+    if (options.output) {
+        RequireNoInput(*options.output, options.host, options.usersFrom);
+    }
+    OutputFile output(options.output);
     Connect(manager, options.host);
 
     const std::unique_ptr<ReportWriter> writer = MakeReport(head, output);

@@ -3,6 +3,7 @@
 
 #include "tools/acfilter/HostOptions.h"
 
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -35,5 +36,7 @@ auto AskFor(const std::string& userName, Ask ask)
         return ask();
     } catch (const std::runtime_error& error) {
         throw std::runtime_error("user '" + userName + "': " + error.what());
+    } catch (const std::bad_alloc&) {
+        throw std::runtime_error("user '" + userName + "': " + memoryRanOut);
     }
 }

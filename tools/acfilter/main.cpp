@@ -4,6 +4,9 @@
 #include "tools/acfilter/ExitStatus.h"
 #include "tools/acfilter/ExplainCommand.h"
 #include "tools/acfilter/FilterCommand.h"
+#include "tools/acfilter/HostOptions.h"
+#include "tools/acfilter/Output.h"
+#include "tools/acfilter/OutputFile.h"
 #include "tools/acfilter/Printable.h"
 #include "tools/acfilter/ReportCommand.h"
 #include "tools/acfilter/TextOption.h"
@@ -12,6 +15,8 @@
 
 #include <cstdio>
 #include <exception>
+#include <new>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -22,9 +27,7 @@ std::string Message(const std::string& text)
     return "acfilter: " + Printable(text) + "\n";
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int Run(int argc, char** argv)
 {
     CLI::App app("Access-control filters, user by user", "acfilter");
     app.set_version_flag("--version", "acfilter " ACFILTER_VERSION);
@@ -47,15 +50,36 @@ int main(int argc, char** argv)
     }
     try {
         app.parse(MarkedArguments(app, argc, argv));
-    } catch (const CLI::Success& request) {
-        return app.exit(request); // --help, --version
+    } catch (const CLI::Success& request) { // --help, --version
+        std::ostringstream answer;
+        app.exit(request, answer);
+        OutputFile output(std::nullopt);
+        output.Write(answer.str());
+        output.Finish();
     } catch (const CLI::ParseError& error) {
         app.exit(error);
         return wrongCommandLine;
+    }
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (!HoldStandardDescriptors()) {
+        std::fputs("acfilter: /dev/null cannot be opened in place of a closed descriptor\n", stderr);
+        return failed;
+    }
+    try {
+        return Run(argc, argv);
+    } catch (const std::bad_alloc&) { // so nothing here asks for memory
+        std::fflush(stdout);
+        std::fprintf(stderr, "acfilter: %s: %s\n", argc > 1 && argv[1][0] != '-' ? argv[1] : "command line",
+                     memoryRanOut);
     } catch (const std::exception& error) {
         std::fflush(stdout); // what was answered stands, and comes before the failure
         std::fputs(Message(error.what()).c_str(), stderr);
-        return failed;
     }
-    return status;
+    return failed;
 }
