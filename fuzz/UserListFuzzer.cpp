@@ -56,26 +56,36 @@ Reading Read(const std::string& content, bool breaksOff)
     return reading;
 }
 
+std::string Refusal(unsigned line, bool hasNul)
+{
+    return "PLACE:" + std::to_string(line) +
+           (hasNul ? ": a user name cannot hold a NUL byte"
+                   : ": a carriage return ends no line here; end each line with LF or CR LF");
+}
+
 Reading Expected(const std::string& content, bool breaksOff)
 {
     Reading reading;
     std::string name;
     unsigned line = 1;
     bool hasNul = false;
-    for (const char byte : content) {
+    bool hasCarriageReturn = false;
+    const std::size_t start = content.substr(0, 3) == "\357\273\277" ? 3 : 0;
+    for (std::size_t at = start; at < content.size(); ++at) {
+        const char byte = content[at];
+        if (byte == '\r' && content.substr(at, 2) != "\r\n") {
+            hasCarriageReturn = true;
+        }
         if (byte == '\0') {
             hasNul = true;
         }
         if (byte != '\n') {
-            name += byte;
+            name += byte == '\r' ? "" : std::string(1, byte);
             continue;
         }
-        if (hasNul) {
-            reading.error = "PLACE:" + std::to_string(line) + ": a user name cannot hold a NUL byte";
+        if (hasNul || hasCarriageReturn) {
+            reading.error = Refusal(line, hasNul);
             return reading;
-        }
-        if (!name.empty() && name[name.size() - 1] == '\r') {
-            name = name.substr(0, name.size() - 1);
         }
         if (!name.empty()) {
             reading.names.push_back(name);
@@ -85,8 +95,8 @@ Reading Expected(const std::string& content, bool breaksOff)
     }
     if (breaksOff) {
         reading.error = unreadable;
-    } else if (hasNul) {
-        reading.error = "PLACE:" + std::to_string(line) + ": a user name cannot hold a NUL byte";
+    } else if (hasNul || hasCarriageReturn) {
+        reading.error = Refusal(line, hasNul);
     } else if (!name.empty()) {
         reading.names.push_back(name);
     }

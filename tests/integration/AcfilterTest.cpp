@@ -45,7 +45,7 @@ TEST_P(CommandLineTest, IsAnswered)
     Write("broken.toml", "[a]\nb = \n");
     Write("users.txt", SampleText("users.txt"));
     Write("nul.txt", std::string("hugo\nve\0ra\n", 11));
-    Write("names.txt", "hugo\r\n\n\r\nom\377\nvera\r");
+    Write("names.txt", "\357\273\277hugo\r\n\n\r\nom\377\nvera");
     for (const auto& database : std::filesystem::directory_iterator(CASES_FOLDER "/databases")) {
         MakeDatabase(database.path().stem().string() + ".db", SampleText("security.sql") + Read(database.path()));
     }

@@ -3,6 +3,12 @@
 #include <algorithm>
 #include <utility>
 
+namespace {
+
+constexpr std::size_t namedUnknown = 5;
+
+} // namespace
+
 Comparison::Comparison(ComparisonHead comparisonHead, bool forPrograms, bool isFull)
     : head(std::move(comparisonHead)), isForPrograms(forPrograms), areTextsWhole(isFull)
 {
@@ -14,6 +20,14 @@ void Comparison::Add(const UserChange& user)
     ++counts.at(kind);
     if (kind < users.size()) {
         users.at(kind).Write(isForPrograms ? UserChangeJson(user) : UserChangeText(user, areTextsWhole));
+    }
+}
+
+void Comparison::AddUnknown(const UnknownUser& user)
+{
+    ++unknownCount;
+    if (firstUnknown.size() < namedUnknown) {
+        firstUnknown.push_back(user);
     }
 }
 

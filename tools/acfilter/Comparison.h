@@ -17,6 +17,12 @@ struct ComparisonHead {
     std::vector<std::string> excluding;
 };
 
+/// A name that was asked for and that neither side knows.
+struct UnknownUser {
+    std::string name;
+    std::string known; ///< The name without the blanks around it, where one side knows that; else empty.
+};
+
 /// Collects in files what has to wait for the summary, so it takes no memory however many users there are.
 class Comparison {
 public:
@@ -25,6 +31,13 @@ public:
 
     void Add(const UserChange& user);
     void Add(const SettingChange& setting) { settings.push_back(setting); }
+
+    /// Also of those who were added as users.
+    void AddUnknown(const UnknownUser& user);
+    unsigned long long UnknownCount() const { return unknownCount; }
+    const std::vector<UnknownUser>& FirstUnknown() const { return firstUnknown; } ///< The first few.
+
+    unsigned long long CountOfAll() const { return counts[0] + counts[1] + counts[2] + counts[3]; }
     unsigned long long CountOf(Change change) const { return counts.at(static_cast<std::size_t>(change)); }
 
     /// Of a user or a setting.
@@ -42,6 +55,8 @@ private:
     bool areTextsWhole;
     std::vector<SettingChange> settings;
     std::array<unsigned long long, 4> counts{};
+    unsigned long long unknownCount = 0;
+    std::vector<UnknownUser> firstUnknown;
     std::array<Spool, toldChanges.size()> users = {Spool(""), Spool(""), Spool("")};
 };
 

@@ -13,6 +13,11 @@ std::string SummaryJson(const Comparison& comparison)
     for (const Change change : {Change::wider, Change::changed, Change::narrower, Change::same}) {
         object[NameOf(change)] = comparison.CountOf(change);
     }
+    object["unknown"] = comparison.UnknownCount();
+    object["firstUnknown"] = Json::array();
+    for (const UnknownUser& user : comparison.FirstUnknown()) {
+        object["firstUnknown"].push_back({{"user", user.name}, {"known", TextOrNull(user.known)}});
+    }
     object["settings"] = Json::array();
     for (const SettingChange& setting : comparison.Settings()) {
         object["settings"].push_back({{"setting", setting.setting},

@@ -34,15 +34,27 @@ std::string BeforeAndNow(const std::string& before, const std::string& now, bool
     return LabelledLine(3, "before", FilterText(before, isFull)) + LabelledLine(3, "now", FilterText(now, isFull));
 }
 
+std::string UnknownText(const Comparison& comparison)
+{
+    std::string names;
+    for (const UnknownUser& user : comparison.FirstUnknown()) {
+        names += (names.empty() ? "" : ", ") + Quoted(user.name) +
+                 (user.known.empty() ? "" : " (" + Quoted(user.known) + " is known)");
+    }
+    const bool areMore = comparison.UnknownCount() > comparison.FirstUnknown().size();
+    return names.empty() ? names
+                         : LabelledLine(0, "Unknown",
+                                        std::to_string(comparison.UnknownCount()) +
+                                            " of them, on both sides: " + names + (areMore ? ", ..." : ""));
+}
+
 } // namespace
 
 std::string SummaryText(const Comparison& comparison)
 {
     const ComparisonHead& head = comparison.head;
-    unsigned long long all = comparison.CountOf(Change::same);
     std::string kinds;
     for (const Change change : toldChanges) {
-        all += comparison.CountOf(change);
         kinds += std::to_string(comparison.CountOf(change)) + " " + NameOf(change) + ", ";
     }
     std::string excluding;
@@ -60,9 +72,9 @@ std::string SummaryText(const Comparison& comparison)
            LabelledLine(0, "After",
                         Printable(head.after) + (head.hasOtherDatabase ? ", with another security database" : "")) +
            LabelledLine(0, "Users",
-                        std::to_string(all) + ": " + kinds + std::to_string(comparison.CountOf(Change::same)) +
-                            " the same") +
-           settings +
+                        std::to_string(comparison.CountOfAll()) + ": " + kinds +
+                            std::to_string(comparison.CountOf(Change::same)) + " the same") +
+           UnknownText(comparison) + settings +
            LabelledLine(0, "Assumed", "each further value of a field shows more records, each further field fewer;") +
            LabelledLine(0, "", "a template means the same beside others, and for one value as for several") +
            (excluding.empty()

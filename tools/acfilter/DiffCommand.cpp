@@ -114,6 +114,27 @@ void RequireFields(const std::vector<std::string>& fields, const FilterRules& be
     }
 }
 
+std::string WithoutBlanksAround(const std::string& name)
+{
+    constexpr const char* blanks = " \t";
+    const std::size_t begin = name.find_first_not_of(blanks);
+    return begin == std::string::npos ? std::string() : name.substr(begin, name.find_last_not_of(blanks) + 1 - begin);
+}
+
+// An answer about nobody must not pass for one about everybody.
+void RequireSomebody(const Comparison& comparison)
+{
+    const std::string nobody = "nobody was compared: ";
+    if (comparison.CountOfAll() == 0) {
+        throw std::runtime_error(nobody + "neither security database holds a user; see what --security names");
+    }
+    if (comparison.CountOfAll() == comparison.UnknownCount()) {
+        throw std::runtime_error(nobody + "neither side knows any of the " + std::to_string(comparison.CountOfAll()) +
+                                 " users who were asked for; the first is '" + comparison.FirstUnknown().front().name +
+                                 "'; see --users-from and --security");
+    }
+}
+
 // Everybody whom one of the two sides knows, once.
 template <class Compare>
 void ForEachUserOfBoth(const DiffOptions& options, Compare compare)
@@ -139,14 +160,26 @@ void CompareUsers(const DiffOptions& options, Comparison& comparison)
     }
 
     Progress progress(false);
+    const auto isKnown = [&](Request request, const std::string& name) {
+        request.userName = name;
+        return before->Explain(request).answer.outcome != Outcome::unknownUser ||
+               after->Explain(request).answer.outcome != Outcome::unknownUser;
+    };
     const auto compare = [&](const std::string& name, bool onlyIfNew) {
         const Request request{name, options.request.ipAddress, options.request.withoutLogin};
         AskFor(name, [&] {
             const Account old = before->Explain(request);
-            if (!onlyIfNew || old.answer.outcome == Outcome::unknownUser) {
-                comparison.Add(rules.Compare(old, after->Explain(request)));
-                progress.CountOne();
+            const bool wasUnknown = old.answer.outcome == Outcome::unknownUser;
+            if (onlyIfNew && !wasUnknown) {
+                return;
             }
+            const Account now = after->Explain(request);
+            comparison.Add(rules.Compare(old, now));
+            if (wasUnknown && now.answer.outcome == Outcome::unknownUser) {
+                const std::string trimmed = WithoutBlanksAround(name);
+                comparison.AddUnknown({name, trimmed != name && isKnown(request, trimmed) ? trimmed : ""});
+            }
+            progress.CountOne();
         });
     };
     if (options.usersFrom) {
@@ -159,13 +192,14 @@ void CompareUsers(const DiffOptions& options, Comparison& comparison)
 void Diff(const DiffOptions& options, ExitStatus& status)
 {
     RequireUsersFrom(options.usersFrom);
-    OutputFile output({});
+    OutputFile output(std::nullopt);
     Comparison comparison({options.host.repository, options.host.configuration, options.toConfiguration,
                            HasOtherDatabase(options), options.excluding},
                           options.request.format == "json", options.isFull);
     CompareUsers(options, comparison);
     comparison.WriteTo(output);
     output.Finish();
+    RequireSomebody(comparison);
     if (comparison.Holds(Change::wider) || (options.isStrict && comparison.Holds(Change::changed))) {
         status = wider;
     }

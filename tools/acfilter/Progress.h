@@ -13,6 +13,7 @@ public:
     Progress& operator=(const Progress&) = delete;
 
     void CountOne();
+    unsigned long long Count() const { return count; }
 
 private:
     bool isWanted;

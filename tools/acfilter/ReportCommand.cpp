@@ -68,14 +68,13 @@ void Report(const ReportOptions& options)
     for (const DefinitionNames& names : NamesOfDefinitions(options.host.repository)) {
         head.fields.push_back(names.field);
     }
-    OutputFile output(options.output);
     head.isForTerminal = !options.output && OutputIsTerminal();
     ExplainingManager manager(options.host.repository);
+    Connect(manager, options.host);
     if (options.output) {
         RequireNoInput(*options.output, options.host, options.usersFrom);
     }
     OutputFile output(options.output);
-    Connect(manager, options.host);
 
     const std::unique_ptr<ReportWriter> writer = MakeReport(head, output);
     {
@@ -91,6 +90,10 @@ void Report(const ReportOptions& options)
             ForEachUserOfFile(*options.usersFrom, addRow);
         } else {
             ForEachUserOfDatabase(options.host.securityDatabase, options.host.timeoutSeconds, addRow);
+        }
+        if (progress.Count() == 0) {
+            throw std::runtime_error("the security database holds no user, so there is nothing to report; see what "
+                                     "--security names");
         }
     }
     writer->Finish();

@@ -17,26 +17,35 @@ void RequireUsersFrom(const std::optional<std::string>& path)
     if (path && path->empty()) {
         throw std::runtime_error("the path given to --users-from is empty");
     }
-    // Closed, its number would go to the next file that is opened, and that would be read for users.
-    if (path == "-" && fcntl(STDIN_FILENO, F_GETFD) == -1) {
-        throw std::runtime_error(std::string("standard input: cannot be read: ") + std::strerror(errno));
+    if (path == "-" && (fcntl(STDIN_FILENO, F_GETFL) & O_ACCMODE) == O_WRONLY) { // as it is when it was closed
+        throw std::runtime_error(std::string("standard input: cannot be read: ") + std::strerror(EBADF));
     }
 }
 
 void ForEachUserOfFile(const std::string& path, const UserHandler& handle)
 {
-    if (path == "-") {
-        ForEachLine(std::cin, "standard input", handle);
+    const bool isStandardInput = path == "-";
+    const std::string place = isStandardInput ? "standard input" : path;
+    bool namesSomebody = false;
+    const auto notice = [&](const std::string& userName) {
+        namesSomebody = true;
+        handle(userName);
+    };
+    if (isStandardInput) {
+        ForEachLine(std::cin, place, notice);
         if (std::ferror(stdin) != 0) { // which std::cin takes for the end
-            throw std::runtime_error(std::string("standard input: cannot be read: ") + std::strerror(errno));
+            throw std::runtime_error(place + ": cannot be read: " + std::strerror(errno));
         }
-        return;
+    } else {
+        std::ifstream file(path, std::ios::binary);
+        if (!file) {
+            throw std::runtime_error(path + ": cannot be opened: " + std::strerror(errno));
+        }
+        ForEachLine(file, place, notice);
     }
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        throw std::runtime_error(path + ": cannot be opened: " + std::strerror(errno));
+    if (!namesSomebody) {
+        throw std::runtime_error(place + ": names no user, so nobody was asked for; write one name a line");
     }
-    ForEachLine(file, path, handle);
 }
 
 void ForEachUserOfDatabase(const std::string& connectionText, unsigned timeoutSeconds, const UserHandler& handle)

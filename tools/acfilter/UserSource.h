@@ -5,11 +5,12 @@
 
 #include <optional>
 
-/// Makes sure that `path`, as given to --users-from, names a file, or standard input when it is "-" and that is open.
-/// Call it before any file is opened. Throws std::runtime_error.
+/// Makes sure that `path`, as given to --users-from, is not empty, and when it is "-" that standard input can be read.
+/// Throws std::runtime_error.
 void RequireUsersFrom(const std::optional<std::string>& path);
 
-/// Calls `handle` for each user of a file; of standard input when `path` is "-". Throws std::runtime_error.
+/// Calls `handle` for each user of a file; of standard input when `path` is "-". Throws std::runtime_error, also when
+/// there is none.
 void ForEachUserOfFile(const std::string& path, const UserHandler& handle);
 
 /// Calls `handle` for each user of the security database, in constant memory. Throws std::runtime_error, also where the
