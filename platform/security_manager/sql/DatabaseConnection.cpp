@@ -4,6 +4,7 @@
 #include "platform/security_manager/sql/DatabaseAccess.h"
 #include "platform/security_manager/sql/SecurityColumns.h"
 
+#include <openssl/crypto.h>
 #include <soci/postgresql/soci-postgresql.h>
 #include <soci/sqlite3/soci-sqlite3.h>
 
@@ -41,6 +42,16 @@ bool WantsQuickCheck()
     return text == "1";
 }
 
+// OpenSSL, which the client library uses, goes on when it could not set itself up for want of memory, and ends the
+// process at the next step.
+void RequireEncryption()
+{
+    if (OSSL_LIB_CTX_get0_global_default() == nullptr) {
+        throw std::runtime_error(
+            "memory ran out when OpenSSL set itself up, which it does once; start the program again");
+    }
+}
+
 } // namespace
 
 // The backends are linked, not looked for by SOCI when a text names them: a library that SOCI opens by itself could not
@@ -52,6 +63,7 @@ DatabaseConnection::DatabaseConnection(const std::string& connectionText, unsign
         session.open(*soci::factory_sqlite3(), ":memory:");
         file.emplace(session, *sqlite);
     } else {
+        RequireEncryption();
         session.open(*soci::factory_postgresql(), std::get<PostgreSqlAddress>(address).settings);
         PQsetNoticeProcessor(PostgreSqlOf(session)->conn_, LogNotice, nullptr);
     }
