@@ -2,6 +2,8 @@
 // is asked for, so that a host which never connects never needs it.
 #include "platform/security_manager/SMADM_Interface.h"
 
+#include "platform/KeptUntilUnload.h"
+
 #include <dlfcn.h>
 #include <link.h>
 
@@ -17,17 +19,10 @@ public:
     static AdminLibrary& Opened()
     {
         // A failed opening throws out of the initialisation, so the next call tries again.
-        static AdminLibrary library;
+        static AdminLibrary& library = secm::platform::KeptUntilUnload<AdminLibrary>();
         return library;
     }
 
-    AdminLibrary(const AdminLibrary&) = delete;
-    AdminLibrary& operator=(const AdminLibrary&) = delete;
-
-    decltype(&::getSECM_Interface) get = nullptr;
-    decltype(&::releaseSECM_Interface) release = nullptr;
-
-private:
     AdminLibrary() : path(Path()), handle(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL))
     {
         if (handle == nullptr) {
@@ -43,7 +38,13 @@ private:
     }
 
     ~AdminLibrary() { dlclose(handle); }
+    AdminLibrary(const AdminLibrary&) = delete;
+    AdminLibrary& operator=(const AdminLibrary&) = delete;
 
+    decltype(&::getSECM_Interface) get = nullptr;
+    decltype(&::releaseSECM_Interface) release = nullptr;
+
+private:
     // Beside this library when it is there, which keeps the two of one installation together; a damaged file
     // there is an error and no reason to look elsewhere.
     static std::string Path()

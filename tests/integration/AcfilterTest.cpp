@@ -53,7 +53,7 @@ TEST_P(CommandLineTest, IsAnswered)
                                    "; F=\"$A filter\"; X=\"$A explain\"; R=\"$A report\"; I=\"$A diff\"; S='-c "
                                    "archive.toml -s sqlite3://db=security.db -r documents'; "
                                    "L=" LIBRARY_FOLDER "; M=" MODULE_FILE "; LOADER=" LOADER "; T=" THREADS
-                                   "; DOCS=" SAMPLE_FOLDER "/../../docs; "
+                                   "; E=" EXITING_HOST "; DOCS=" SAMPLE_FOLDER "/../../docs; "
                                    "D=" CASES_FOLDER "/databases; SAMPLE=" SAMPLE_FOLDER "/security.sql; ";
     const Outcome outcome = Run(databaseCommands + shorthands + GetParam().at(2));
     EXPECT_EQ(std::to_string(outcome.status), GetParam().at(1)) << outcome.errors;

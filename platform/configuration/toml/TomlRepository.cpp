@@ -4,6 +4,7 @@
 #include "platform/configuration/CFG_Listing.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
 
+#include "platform/KeptUntilUnload.h"
 #include "platform/configuration/toml/TomlTree.h"
 
 #include <algorithm>
@@ -140,7 +141,7 @@ class Root final : public Services {
 public:
     static Root& Instance()
     {
-        static Root root;
+        static Root& root = secm::platform::KeptUntilUnload<Root>();
         return root;
     }
 

@@ -1,5 +1,6 @@
 #include "platform/security_manager/sql/DatabaseConnection.h"
 
+#include "platform/KeptUntilUnload.h"
 #include "platform/logging/Tmr_LogFile.h"
 #include "platform/security_manager/sql/DatabaseAccess.h"
 #include "platform/security_manager/sql/SecurityColumns.h"
@@ -42,11 +43,12 @@ bool WantsQuickCheck()
     return text == "1";
 }
 
-// OpenSSL, which the client library uses, goes on when it could not set itself up for want of memory, and ends the
-// process at the next step.
-void RequireEncryption()
+// PostgreSQL's client library uses OpenSSL, which would empty itself when exit() is called, under threads that still
+// ask; the first use in the process decides, so a host that uses it earlier decides for itself. When it could not set
+// itself up for want of memory, it goes on, and ends the process at the next step.
+void PrepareOpenSsl()
 {
-    if (OSSL_LIB_CTX_get0_global_default() == nullptr) {
+    if (OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr) != 1 || OSSL_LIB_CTX_get0_global_default() == nullptr) {
         throw std::runtime_error(
             "memory ran out when OpenSSL set itself up, which it does once; start the program again");
     }
@@ -60,10 +62,14 @@ DatabaseConnection::DatabaseConnection(const std::string& connectionText, unsign
 {
     const DatabaseAddress address = DatabaseAddressOf(connectionText, timeoutSeconds);
     if (const auto* sqlite = std::get_if<SqliteAddress>(&address)) {
+        if (secm::platform::IsExiting()) {
+            // SOCI destroys at exit what it looks up the first time that a statement runs on SQLite.
+            throw std::runtime_error("the process is exiting; no new connection is made");
+        }
         session.open(*soci::factory_sqlite3(), ":memory:");
         file.emplace(session, *sqlite);
     } else {
-        RequireEncryption();
+        PrepareOpenSsl();
         session.open(*soci::factory_postgresql(), std::get<PostgreSqlAddress>(address).settings);
         PQsetNoticeProcessor(PostgreSqlOf(session)->conn_, LogNotice, nullptr);
     }

@@ -1,5 +1,5 @@
-// Keeps the interfaces that a library hands out. Callers may never give one back; it is then freed, and its
-// connection closed, when the library is unloaded.
+// Keeps the interfaces that a library hands out. Callers may never give one back; it is then freed with this object,
+// which is kept until the library is unloaded.
 #pragma once
 
 #include <memory>

@@ -2,6 +2,7 @@
 // the same statement, asked for by name.
 #include "platform/security_manager/SMADM_Interface.h"
 
+#include "platform/KeptUntilUnload.h"
 #include "platform/security_manager/PermissionListInterface.h"
 #include "platform/security_manager/sql/HandedOut.h"
 #include "platform/security_manager/sql/SecurityDatabase.h"
@@ -90,7 +91,7 @@ private:
 
 HandedOut<SMADM_Interface>& Administrations()
 {
-    static HandedOut<SMADM_Interface> administrations;
+    static auto& administrations = secm::platform::KeptUntilUnload<HandedOut<SMADM_Interface>>();
     return administrations;
 }
 

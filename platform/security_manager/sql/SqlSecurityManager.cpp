@@ -2,6 +2,7 @@
 // that follow are answered from memory.
 #include "platform/security_manager/SecurityManagerInterface.h"
 
+#include "platform/KeptUntilUnload.h"
 #include "platform/security_manager/SECM_CallBackInterface.h"
 #include "platform/security_manager/sql/GrantedPermissions.h"
 #include "platform/security_manager/sql/HandedOut.h"
@@ -121,7 +122,7 @@ private:
 
 HandedOut<SecurityManagerInterface>& Managers()
 {
-    static HandedOut<SecurityManagerInterface> managers;
+    static auto& managers = secm::platform::KeptUntilUnload<HandedOut<SecurityManagerInterface>>();
     return managers;
 }
 

@@ -5,6 +5,7 @@
 #include <soci/postgresql/soci-postgresql.h>
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -32,6 +33,24 @@ int DescriptorOf(soci::session& session)
     return descriptor;
 }
 
+// A new thread begins with the signals blocked that its maker has blocked. The host's signals are for the host's
+// threads: one that blocks a signal and waits for it would otherwise be ended by ours, which does not.
+class AllSignalsBlocked {
+public:
+    AllSignalsBlocked()
+    {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &before);
+    }
+    ~AllSignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before, nullptr); }
+    AllSignalsBlocked(const AllSignalsBlocked&) = delete;
+    AllSignalsBlocked& operator=(const AllSignalsBlocked&) = delete;
+
+private:
+    sigset_t before{};
+};
+
 } // namespace
 
 TimeLimit::TimeLimit(soci::session& watched, unsigned seconds)
@@ -41,6 +60,7 @@ TimeLimit::TimeLimit(soci::session& watched, unsigned seconds)
         return;
     }
     try {
+        const AllSignalsBlocked duringStart;
         thread = std::thread([this] { Watch(); });
     } catch (...) {
         close(descriptor);

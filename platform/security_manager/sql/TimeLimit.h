@@ -14,7 +14,8 @@ class session;
 }
 
 /// Watches one session, and must go before it. On PostgreSQL with a limit it has a thread, which sleeps as long as all
-/// is well; otherwise it only ends the connection. One thread at a time may use it; it does not survive a fork.
+/// is well and takes no signals; otherwise it only ends the connection. One thread at a time may use it; it does not
+/// survive a fork.
 class TimeLimit {
 public:
     /// `seconds` for each call of Keep; 0: no limit. Throws std::system_error when there is no thread or descriptor.
