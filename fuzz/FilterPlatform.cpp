@@ -211,9 +211,6 @@ CFG_RepositoryServices* CFG_Factory::GetRepositoryServices()
     return stage.world->configuration.exists ? &root : nullptr;
 }
 
-struct Tmr_LogFile::Writer {};
-Tmr_LogFile::~Tmr_LogFile() = default;
-
 int Tmr_LogFile::StoreParams(const char*, const char*, int, int level, int, int)
 {
     announcedLevel = level;

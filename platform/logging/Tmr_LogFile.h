@@ -6,17 +6,15 @@
 
 #include <atomic>
 #include <limits>
-#include <memory>
 #include <mutex>
 
-/// The process's log. Any thread may write at any time; lines of different threads never mix.
-/// The environment says what is written and where, read when the first message is offered:
+/// The process's log. Any thread may write at any time, also while the process exits; lines of different threads never
+/// mix. The environment says what is written and where, read when the first message is offered:
 /// `TMR_LOG_LEVEL` (default 3; messages of that level and below are written) and
-/// `TMR_LOG_FILE` (appended to; unset or empty: standard error).
+/// `TMR_LOG_FILE` (appended to; unset or empty: standard error). The file is closed when the library is unloaded.
 class PLATFORM_EXPORT Tmr_LogFile {
 public:
     constexpr Tmr_LogFile() = default;
-    ~Tmr_LogFile();
     Tmr_LogFile(const Tmr_LogFile&) = delete;
     Tmr_LogFile& operator=(const Tmr_LogFile&) = delete;
 
@@ -26,9 +24,16 @@ public:
     int StoreParams(const char* sourceFile, const char* functionName, int line, int level, int module, int number);
 
     /// Writes the announced message, whole whatever its length, as one line whatever bytes are in it.
-    /// Throws std::bad_alloc; a log that cannot be written is reported on standard error and not to the
-    /// caller.
+    /// Throws std::bad_alloc; a line that cannot be written whole is left out, which is reported on standard error and
+    /// not to the caller.
     void Log(const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+    /// Opens the file named by `TMR_LOG_FILE` at the first message again, for when it was renamed or removed to begin a
+    /// new one. Each message is then whole in the old file or in the new. Any thread may call it, but no signal
+    /// handler. False: the file cannot be opened, which is reported on standard error; messages go on to where they
+    /// went before (the old file, or standard error when there was none). True also when there is nothing to open
+    /// again: before the first message, and without a file. Weak, for a log of a host's own may lack it.
+    __attribute__((weak)) bool Reopen();
 
 private:
     struct Writer;
@@ -37,7 +42,8 @@ private:
     // Above every level until the environment has been read, so that a level is tested by one comparison.
     std::atomic<int> threshold{std::numeric_limits<int>::max()};
     std::once_flag opened;
-    std::shared_ptr<Writer> writer; // not unique: it needs to know no more of its type than is declared here
+    // Not owned, so that the log needs no destructor: threads use it until the process is gone.
+    std::atomic<Writer*> writer{nullptr};
 };
 
 extern PLATFORM_EXPORT Tmr_LogFile TmrGLog;

@@ -2,16 +2,24 @@
 #include "tests/Cases.h"
 #include "tests/integration/Workspace.h"
 
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
+#include <fstream>
 #include <map>
+#include <regex>
+#include <sstream>
 #include <thread>
 
 namespace {
 
 using LogTest = WorkspaceTest;
 
-TEST_F(LogTest, WritesMessagesOfAnyLengthWholeFromManyThreads)
+TEST_F(LogTest, WritesMessagesOfAnyLengthWholeFromManyThreadsWhileItIsRotated)
 {
     setenv("TMR_LOG_FILE", Path("a.log").c_str(), 1);
     Write("a.log", "before\n");
@@ -26,11 +34,21 @@ TEST_F(LogTest, WritesMessagesOfAnyLengthWholeFromManyThreads)
             }
         });
     }
+    std::string written;
+    const auto rotate = [&] {
+        std::filesystem::rename(Path("a.log"), Path("old.log"));
+        EXPECT_TRUE(log.Reopen());
+        written += Read(Path("old.log"));
+    };
+    for (int times = 0; times < 20 && std::filesystem::exists(Path("a.log")); ++times) {
+        rotate();
+    }
     for (std::thread& thread : threads) {
         thread.join();
     }
+    written += Read(Path("a.log"));
     std::map<std::string, int> counts;
-    for (const std::string& line : Split(Read(Path("a.log")), "\n")) {
+    for (const std::string& line : Split(written, "\n")) {
         ++counts[line.substr(std::min<std::size_t>(line.size(), std::string("2026-11-22T19:34:58.123Z ").size()))];
     }
     EXPECT_EQ(counts.size(), 5U);
@@ -40,6 +58,49 @@ TEST_F(LogTest, WritesMessagesOfAnyLengthWholeFromManyThreads)
                   50)
             << length;
     }
+}
+
+TEST_F(LogTest, GoesOnWithTheOldFileWhereItCannotBeOpenedAgain)
+{
+    setenv("TMR_LOG_FILE", Path("a.log").c_str(), 1);
+    Tmr_LogFile log;
+    ASSERT_NE(log.StoreParams("source", "Function", 1, 3, 197, 1), 0);
+    log.Log("first");
+    std::filesystem::rename(Path("a.log"), Path("old.log"));
+    std::filesystem::create_directory(Path("a.log"));
+    EXPECT_FALSE(log.Reopen());
+    log.Log("second");
+    EXPECT_THAT(Read(Path("old.log")), testing::MatchesRegex(".* first\n.* second\n"));
+}
+
+// Until a limit in the middle of the second line is lifted.
+std::string WrittenOverALimit(const std::string& path)
+{
+    setenv("TMR_LOG_FILE", path.c_str(), 1);
+    std::signal(SIGXFSZ, SIG_IGN);
+    Tmr_LogFile log;
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    for (const rlim_t largest : {limit.rlim_max, rlim_t{100}, limit.rlim_max}) {
+        limit.rlim_cur = largest;
+        setrlimit(RLIMIT_FSIZE, &limit);
+        EXPECT_NE(log.StoreParams("source", "Function", 1, 3, 197, 1), 0);
+        log.Log("0123456789");
+    }
+    std::ostringstream written;
+    written << std::ifstream(path).rdbuf();
+    return std::regex_replace(written.str(), std::regex("20[^Z]*Z"), "time");
+}
+
+TEST_F(LogTest, TakesBackALineThatFitsOnlyInPart)
+{
+    const std::string line = "time [3] Function (source:1) 0123456789\n";
+    EXPECT_EQ(WrittenOverALimit(Path("a.log")), line + line);
+    // A file that cannot be made shorter: then at least no other line is joined to the part.
+    const int file = memfd_create("log", MFD_ALLOW_SEALING);
+    fcntl(file, F_ADD_SEALS, F_SEAL_SHRINK);
+    EXPECT_EQ(WrittenOverALimit("/proc/self/fd/" + std::to_string(file)), line + "time [3] Function (s\n" + line);
+    close(file);
 }
 
 } // namespace

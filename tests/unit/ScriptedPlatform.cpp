@@ -210,9 +210,6 @@ CFG_RepositoryServices* CFG_Factory::GetRepositoryServices()
     return Outside("GetRepositoryServices", "repository services") ? &root : nullptr;
 }
 
-struct Tmr_LogFile::Writer {};
-Tmr_LogFile::~Tmr_LogFile() = default;
-
 int Tmr_LogFile::StoreParams(const char* sourceFile, const char* function, int line, int level, int module, int number)
 {
     const std::string source = sourceFile;

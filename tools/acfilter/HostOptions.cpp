@@ -2,6 +2,7 @@
 
 #include "SECM_AccessControl/ConfigurationPaths.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
+#include "tools/acfilter/LogReopening.h"
 #include "tools/acfilter/TextOption.h"
 
 #include <CLI/CLI.hpp>
@@ -44,6 +45,7 @@ void ApplyHostOptions(const HostOptions& options)
         setenv("TMR_LOG_FILE", options.logFile->c_str(), replaceExisting);
     }
 
+    ReopenLogOnHangUp();
     try {
         if (CFG_Factory::GetRepositoryServices() == nullptr) {
             throw std::runtime_error("no configuration: the path given to --config is empty");

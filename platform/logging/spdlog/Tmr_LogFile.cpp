@@ -1,11 +1,12 @@
-// The log on spdlog: it gives the sinks, their locking and the time; the rest of a line is made here, so that
-// whatever a message carries, it stays one line that nobody can mistake for another.
+// The log on spdlog: it gives the locking and the time; the rest of a line is made here, so that whatever a message
+// carries, it stays one line that nobody can mistake for another.
 #include "platform/logging/Tmr_LogFile.h"
+
+#include "platform/KeptUntilUnload.h"
+#include "platform/logging/spdlog/LineSink.h"
 
 #include <spdlog/logger.h>
 #include <spdlog/pattern_formatter.h>
-#include <spdlog/sinks/basic_file_sink.h>
-#include <spdlog/sinks/stdout_sinks.h>
 
 #include <array>
 #include <charconv>
@@ -13,17 +14,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <stdexcept>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <type_traits>
 
-Tmr_LogFile TmrGLog;
+constinit Tmr_LogFile TmrGLog;
 
-struct Tmr_LogFile::Writer {
-    spdlog::logger logger;
-};
+static_assert(std::is_trivially_destructible_v<Tmr_LogFile>, "threads may log while exit() runs");
 
 namespace {
 
@@ -52,21 +50,10 @@ int LevelFromEnvironment()
     return level;
 }
 
-spdlog::sink_ptr SinkFromEnvironment()
+std::string PathFromEnvironment()
 {
-    if (const char* path = std::getenv("TMR_LOG_FILE"); path != nullptr && *path != '\0') {
-        try {
-            // spdlog would make missing folders; a misspelt path must be heard of instead.
-            auto folder = std::filesystem::path(path).parent_path();
-            if (!folder.empty() && !std::filesystem::is_directory(folder)) {
-                throw std::runtime_error("there is no folder '" + folder.string() + "'");
-            }
-            return std::make_shared<spdlog::sinks::basic_file_sink_mt>(path);
-        } catch (const std::exception& error) {
-            std::fprintf(stderr, "TMR_LOG_FILE: cannot open '%s': %s; logging to standard error\n", path, error.what());
-        }
-    }
-    return std::make_shared<spdlog::sinks::stderr_sink_mt>();
+    const char* path = std::getenv("TMR_LOG_FILE");
+    return path != nullptr ? path : "";
 }
 
 std::string Formatted(const char* format, std::va_list arguments)
@@ -108,19 +95,30 @@ void AppendEscaped(std::string& line, std::string_view text)
 
 } // namespace
 
-Tmr_LogFile::~Tmr_LogFile() = default;
+struct Tmr_LogFile::Writer {
+    Writer()
+    {
+        logger.set_formatter(
+            std::make_unique<spdlog::pattern_formatter>("%Y-%m-%dT%H:%M:%S.%eZ %v", spdlog::pattern_time_type::utc));
+        logger.set_error_handler([](const std::string& reason) {
+            std::fprintf(stderr, "TMR_LOG_FILE: a message of the log is lost: %s\n", reason.c_str());
+        });
+    }
+
+    const std::shared_ptr<LineSink> sink = std::make_shared<LineSink>(PathFromEnvironment());
+    spdlog::logger logger{"TmrGLog", sink};
+};
 
 void Tmr_LogFile::Open()
 {
-    auto opening = std::make_shared<Writer>(Writer{spdlog::logger("TmrGLog", SinkFromEnvironment())});
-    opening->logger.set_formatter(
-        std::make_unique<spdlog::pattern_formatter>("%Y-%m-%dT%H:%M:%S.%eZ %v", spdlog::pattern_time_type::utc));
-    opening->logger.flush_on(spdlog::level::trace);
-    opening->logger.set_error_handler([](const std::string& reason) {
-        std::fprintf(stderr, "TMR_LOG_FILE: a message of the log is lost: %s\n", reason.c_str());
-    });
-    writer = std::move(opening);
+    writer = &secm::platform::KeptUntilUnload<Writer>();
     threshold.store(LevelFromEnvironment(), std::memory_order_relaxed);
+}
+
+bool Tmr_LogFile::Reopen()
+{
+    Writer* const inUse = writer;
+    return inUse == nullptr || inUse->sink->Reopen();
 }
 
 int Tmr_LogFile::StoreParams(const char* sourceFile, const char* functionName, int line, int level, int /*module*/,
@@ -155,5 +153,5 @@ void Tmr_LogFile::Log(const char* format, ...)
     AppendEscaped(line, announced.sourceFile);
     line.append(":").append(std::to_string(announced.line)).append(") ");
     AppendEscaped(line, message);
-    writer->logger.log(spdlog::level::info, spdlog::string_view_t(line));
+    writer.load(std::memory_order_relaxed)->logger.log(spdlog::level::info, spdlog::string_view_t(line));
 }
