@@ -26,7 +26,8 @@ public:
     AdminLibrary() : path(Path()), handle(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL))
     {
         if (handle == nullptr) {
-            throw std::runtime_error("the administration library cannot be opened: " + Reason());
+            // The loader's reason may name another library, that this one needs.
+            throw std::runtime_error("the administration library '" + path + "' cannot be opened: " + Reason());
         }
         try {
             get = Entry<decltype(get)>("getSECM_Interface");
