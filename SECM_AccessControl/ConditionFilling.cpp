@@ -15,32 +15,17 @@ namespace {
 constexpr LogOrigin conditionLog{managerSourceFile, "SECM_AccessControlManager::HandleSingleCondition"};
 constexpr LogOrigin valueLog{managerSourceFile, "SECM_AccessControlManager::ReplaceSingleValue"};
 
-// Where `placeholder` first stands. Looks for the one of its characters that is rarest in templates and values; and
-// knows both when compiled, so that comparing is no call.
-template <const std::string_view& placeholder, char rarest>
-std::size_t Find(std::string_view text)
+// Where the values' placeholder first stands. Looks for its character that is rarest in templates.
+std::size_t FindValues(std::string_view text)
 {
-    constexpr std::size_t offset = placeholder.find(rarest);
+    constexpr char rarest = 'v';
+    constexpr std::size_t offset = valuesPlaceholder.find(rarest);
     for (std::size_t at = offset; (at = text.find(rarest, at)) != std::string_view::npos; ++at) {
-        if (text.substr(at - offset).starts_with(placeholder)) {
+        if (text.substr(at - offset).starts_with(valuesPlaceholder)) {
             return at - offset;
         }
     }
     return std::string_view::npos;
-}
-
-bool ReplaceAt(std::string& text, std::size_t position, std::size_t length, std::string_view replacement)
-{
-    if (position == std::string::npos) {
-        return false;
-    }
-    text.replace(position, length, replacement);
-    return true;
-}
-
-bool FillOperator(std::string& text, const std::string& equalOperator)
-{
-    return ReplaceAt(text, Find<equalOperatorPlaceholder, 'q'>(text), equalOperatorPlaceholder.size(), equalOperator);
 }
 
 // False: the user lacks an attribute without which the condition must not stand.
@@ -54,7 +39,7 @@ bool FillUserTokens(std::string& text, const ConditionDefinition& condition, Use
         if (attribute == nullptr && condition.mandatoryFields.count(token) != 0) {
             return false;
         }
-        ReplaceAt(text, text.find(token), token.size(), attribute != nullptr ? attribute : "");
+        ReplaceFirst(text, token, attribute != nullptr ? attribute : "");
     }
     return true;
 }
@@ -65,12 +50,12 @@ template <class AppendValues>
 std::string FilledWithValues(const std::string& conditionText, const std::string& equalOperator,
                              std::size_t valuesLength, AppendValues appendValues)
 {
-    const std::size_t position = std::min(Find<valuesPlaceholder, 'v'>(conditionText), conditionText.size());
+    const std::size_t position = std::min(FindValues(conditionText), conditionText.size());
     std::string text;
     text.reserve(conditionText.size() + valuesLength + equalOperator.size());
     text.assign(conditionText, 0, position);
     // The first one before the values is the first of all, whatever the values bring: no need to move them later.
-    const bool isOperatorFilled = FillOperator(text, equalOperator);
+    const bool isOperatorFilled = ReplaceFirst(text, equalOperatorPlaceholder, equalOperator);
 
     const std::size_t beforeValues = text.size();
     appendValues(text);
@@ -80,7 +65,7 @@ std::string FilledWithValues(const std::string& conditionText, const std::string
         text.append(conditionText, position + valuesPlaceholder.size());
     }
     if (!isOperatorFilled) {
-        FillOperator(text, equalOperator);
+        ReplaceFirst(text, equalOperatorPlaceholder, equalOperator);
     }
     return text;
 }
@@ -104,7 +89,7 @@ std::string SECM_AccessControlManager::HandleSingleConditionForUser(const Condit
     if (!FillUserTokens(text, condition, userDetails)) {
         return "";
     }
-    FillOperator(text, singleEqualOperator);
+    ReplaceFirst(text, equalOperatorPlaceholder, singleEqualOperator);
     return text;
 }
 

@@ -16,6 +16,18 @@ inline bool IsFramed(std::string_view token)
     return !token.empty() && token.front() == tokenFrame && token.back() == tokenFrame;
 }
 
+/// Puts `replacement` in place of the first `pattern` in `text`. False, and no change: there is none. An empty pattern
+/// stands at the beginning of every text.
+inline bool ReplaceFirst(std::string& text, std::string_view pattern, std::string_view replacement)
+{
+    const std::size_t position = text.find(pattern);
+    if (position == std::string::npos) {
+        return false;
+    }
+    text.replace(position, pattern.size(), replacement);
+    return true;
+}
+
 /// A token without its first and last character: the name of an attribute. Of a single character nothing is left.
 inline std::string AttributeName(std::string_view token)
 {
