@@ -1,5 +1,6 @@
 // The exported constructor and destructor of SecurityManagerInterface, as a host's own security manager calls them: on
-// an object whose table is read through the object.
+// an object whose table is read through the object. Clang has the constructor only in the form that derived classes
+// call, C2.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
