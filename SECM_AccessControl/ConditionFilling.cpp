@@ -15,7 +15,8 @@ namespace {
 constexpr LogOrigin conditionLog{managerSourceFile, "SECM_AccessControlManager::HandleSingleCondition"};
 constexpr LogOrigin valueLog{managerSourceFile, "SECM_AccessControlManager::ReplaceSingleValue"};
 
-// Where the values' placeholder first stands. Looks for its character that is rarest in templates.
+// The position of the first values placeholder; npos: none. Searches for the character of it that is rarest in
+// templates, because that is faster than searching for the whole placeholder.
 std::size_t FindValues(std::string_view text)
 {
     constexpr char rarest = 'v';

@@ -16,8 +16,8 @@ inline bool IsFramed(std::string_view token)
     return !token.empty() && token.front() == tokenFrame && token.back() == tokenFrame;
 }
 
-/// Puts `replacement` in place of the first `pattern` in `text`. False, and no change: there is none. An empty pattern
-/// stands at the beginning of every text.
+/// Replaces the first `pattern` in `text` by `replacement`. False: there is none, and `text` is unchanged. An empty
+/// pattern is found at the start.
 inline bool ReplaceFirst(std::string& text, std::string_view pattern, std::string_view replacement)
 {
     const std::size_t position = text.find(pattern);

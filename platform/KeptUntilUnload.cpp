@@ -1,9 +1,9 @@
-// Tells exit() from dlclose() by their order, which is opposite:
-// - exit() first calls what was registered by atexit(), the last one first. The C library registered the end of the
-//   dynamic linker before main began, so that comes last, and only then the libraries' destructor functions are called.
-// - dlclose() calls the library's destructor functions, the last one first. The first of them is the compiler's own,
-//   which calls what this library has registered by atexit().
-// Whichever is called first therefore decides. Each library has its own copy of all this.
+// Tells exit() from dlclose() by which handler is called first:
+// - exit() calls AtExit first. It calls the functions registered with atexit(), the last one first; the dynamic
+//   linker's own was registered before main began, so it comes last, and only then calls the destructor functions.
+// - dlclose() calls AtUnload first. It calls the library's destructor functions, the last one first; the compiler's
+//   own stands first, so it comes last, and only then calls what the library registered with atexit().
+// Each library has its own copy of this state.
 #include "platform/KeptUntilUnload.h"
 
 #include <dlfcn.h>
@@ -23,24 +23,25 @@ struct Kept {
     Kept* earlier;
 };
 
-// None of them has a destructor: they are used until the process is gone.
+// None has a destructor: threads use them until the process ends.
 constinit std::atomic<State> state{State::inUse};
 constinit std::mutex mutex;
 constinit Kept* last = nullptr;
 
-bool IsFirst(State wanted)
+// False: the other handler was called before.
+bool Enter(State next)
 {
     State found = State::inUse;
-    return state.compare_exchange_strong(found, wanted);
+    return state.compare_exchange_strong(found, next);
 }
 
 void AtExit()
 {
-    if (!IsFirst(State::exiting)) {
+    if (!Enter(State::exiting)) {
         return;
     }
-    // A host may unload the module from a handler of its own that comes later. The code has to stay as well then: what
-    // is kept would be out of reach without it, and threads of ours would return to nowhere.
+    // A later exit handler of the host may unload the module. The library must stay loaded: our threads still run its
+    // code, and the kept objects would be leaks.
     Dl_info self{};
     if (dladdr(&state, &self) != 0) {
         dlopen(self.dli_fname, RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE);
@@ -49,7 +50,7 @@ void AtExit()
 
 [[gnu::destructor]] void AtUnload()
 {
-    if (!IsFirst(State::unloading)) {
+    if (!Enter(State::unloading)) {
         return;
     }
     while (last != nullptr) {
@@ -68,13 +69,12 @@ bool secm::platform::IsExiting()
 
 void secm::platform::DestroyWhenUnloaded(void* object, void (*destroy)(void*))
 {
-    static const bool isRegistered = [] {
+    [[maybe_unused]] static const bool isRegistered = [] {
         if (std::atexit(AtExit) != 0) {
             throw std::bad_alloc();
         }
         return true;
     }();
-    static_cast<void>(isRegistered);
     auto kept = std::make_unique<Kept>(Kept{object, destroy, nullptr});
     const std::lock_guard<std::mutex> lock(mutex);
     kept->earlier = last;

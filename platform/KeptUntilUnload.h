@@ -1,23 +1,23 @@
-// What a library hands out, or uses on any thread, must outlive the process's exit and must not outlive the library.
-// Static objects with destructors cannot do that: exit() destroys them while the host's other threads run on.
+// Objects that are destroyed when their library is unloaded, and never by exit(): exit() destroys static objects while
+// the host's other threads still use them.
 #pragma once
 
 #include <memory>
 
 namespace secm::platform {
 
-/// Has `destroy(object)` called when the library that holds this code is unloaded (the last registered first), on the
-/// thread that unloads it, and never at process exit: the object then stays reachable until the process is gone. Any
-/// thread may call it. Throws std::bad_alloc, and has registered nothing then.
+/// Calls `destroy(object)` when the library that contains this code is unloaded, on the thread that unloads it. The
+/// last registered object is destroyed first. At process exit the object stays reachable until the process ends. Any
+/// thread may call this. Throws std::bad_alloc; nothing is registered then.
 ///
-/// Out of reach is only a library that is used before `main` begins, by the constructor of another one: exit() and
-/// unloading look the same to it, and exit() destroys.
+/// When another library's constructor uses this library before `main` begins, exit() cannot be told from unloading:
+/// exit() destroys the object.
 void DestroyWhenUnloaded(void* object, void (*destroy)(void*));
 
-/// Whether exit() has begun, so far as this library has been told: false before the first registration.
+/// Whether exit() has begun. False before the first registration in this library.
 bool IsExiting();
 
-/// A new object that is kept so.
+/// A new object for DestroyWhenUnloaded. Throws std::bad_alloc and what the object's constructor throws.
 template <class Object>
 Object& KeptUntilUnload()
 {

@@ -49,7 +49,8 @@ public:
     ~CFG_Error() override;
 };
 
-/// With `CFG_REQUIRE_END=1`, a file that does not end with the line "# end of configuration" cannot be read.
+/// With `CFG_REQUIRE_END=1`, each file must end with the line "# end of configuration"; otherwise loading throws
+/// CFG_Error.
 class PLATFORM_EXPORT CFG_Factory {
 public:
     /// The root of the configuration that `CFG_REPOSITORY` names, read once, at the first call that finds it

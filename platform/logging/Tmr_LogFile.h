@@ -24,15 +24,15 @@ public:
     int StoreParams(const char* sourceFile, const char* functionName, int line, int level, int module, int number);
 
     /// Writes the announced message, whole whatever its length, as one line whatever bytes are in it.
-    /// Throws std::bad_alloc; a line that cannot be written whole is left out, which is reported on standard error and
-    /// not to the caller.
+    /// Throws std::bad_alloc. A line that cannot be written whole is left out; standard error says so, the caller is
+    /// not told.
     void Log(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-    /// Opens the file named by `TMR_LOG_FILE` at the first message again, for when it was renamed or removed to begin a
-    /// new one. Each message is then whole in the old file or in the new. Any thread may call it, but no signal
-    /// handler. False: the file cannot be opened, which is reported on standard error; messages go on to where they
-    /// went before (the old file, or standard error when there was none). True also when there is nothing to open
-    /// again: before the first message, and without a file. Weak, for a log of a host's own may lack it.
+    /// Opens the log file again after it was renamed or removed; the path is that of `TMR_LOG_FILE` at the first
+    /// message. Each message is whole in the old file or in the new one. Any thread may call it, a signal handler must
+    /// not. False when the file cannot be opened: standard error says so, and messages go to where they went before.
+    /// True when there is nothing to open again: before the first message, or without a log file.
+    /// A weak symbol, because a host's own log may lack it.
     __attribute__((weak)) bool Reopen();
 
 private:
@@ -42,7 +42,7 @@ private:
     // Above every level until the environment has been read, so that a level is tested by one comparison.
     std::atomic<int> threshold{std::numeric_limits<int>::max()};
     std::once_flag opened;
-    // Not owned, so that the log needs no destructor: threads use it until the process is gone.
+    // Not owned, so that the log has no destructor: threads use it until the process ends.
     std::atomic<Writer*> writer{nullptr};
 };
 

@@ -12,7 +12,7 @@ struct TextPosition {
     unsigned column = 1;
 };
 
-/// Where something would stand that followed `content`.
+/// The position right after the last byte of `content`.
 TextPosition PositionBehind(std::string_view content);
 
 /// Where `content` first nests more than `deepest` names, inline tables and arrays in brackets inside one another; none
