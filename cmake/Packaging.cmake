@@ -22,6 +22,7 @@ install(FILES SECM_AccessControl/SECM_AccessControlInterface.h
     DESTINATION ${header_folder}/SECM_AccessControl COMPONENT dev)
 install(DIRECTORY platform DESTINATION ${header_folder} COMPONENT dev FILES_MATCHING
     PATTERN "*.h"
+    PATTERN Descriptor.h EXCLUDE
     PATTERN KeptUntilUnload.h EXCLUDE
     PATTERN sql EXCLUDE
     PATTERN toml EXCLUDE

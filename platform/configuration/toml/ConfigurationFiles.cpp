@@ -1,6 +1,7 @@
-// Whatever is not read is refused with its name: a file that is passed over or cut short restricts less.
+// A file that is skipped or cut short would restrict less, so each one that cannot be read whole is refused by name.
 #include "platform/configuration/toml/ConfigurationFiles.h"
 
+#include "platform/Descriptor.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
 #include "platform/configuration/toml/Nesting.h"
 
@@ -22,6 +23,7 @@ namespace configuration {
 namespace {
 
 namespace fs = std::filesystem;
+using secm::platform::Descriptor;
 
 constexpr std::string_view suffix = ".toml";
 constexpr std::string_view endLine = "# end of configuration";
@@ -50,29 +52,19 @@ const char* KindOf(mode_t mode)
     }
 }
 
-class Descriptor {
-public:
-    explicit Descriptor(int opened) : number(opened) {}
-    ~Descriptor() { close(number); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    const int number;
-};
-
-// Opening a pipe without a name waits for nobody: it is open already, as somebody's descriptor.
-bool IsPipeWithoutName(int descriptor)
+// Such as /dev/stdin behind `|`. Opening it never waits, because its other end is open already.
+bool IsUnnamedPipe(const Descriptor& file)
 {
     struct statfs fileSystem {};
-    return fstatfs(descriptor, &fileSystem) == 0 && fileSystem.f_type == PIPEFS_MAGIC;
+    return fstatfs(file.Get(), &fileSystem) == 0 && fileSystem.f_type == PIPEFS_MAGIC;
 }
 
-// Without waiting for a writer, should it be a named pipe.
-int Open(const std::string& path)
+// Does not wait for the writer of a named pipe.
+Descriptor Open(const std::string& path)
 {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor >= 0) {
-        return descriptor;
+    Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (file.IsOpen()) {
+        return file;
     }
     if (errno == ENXIO) {
         Refuse(path, "cannot be opened: it is a socket, or a device that is not there; name a regular file");
@@ -84,12 +76,12 @@ int Open(const std::string& path)
     RefuseAfterError(path, "cannot be opened" + (isNoLink ? "" : " through the link to " + target.string()));
 }
 
-std::string ReadToItsEnd(const Descriptor& file, const std::string& path)
+std::string ReadToEnd(const Descriptor& file, const std::string& path)
 {
     std::string content;
     std::array<char, 65536> piece{};
     for (;;) {
-        const ssize_t count = read(file.number, piece.data(), piece.size());
+        const ssize_t count = read(file.Get(), piece.data(), piece.size());
         if (count == 0) {
             return content;
         }
@@ -101,20 +93,19 @@ std::string ReadToItsEnd(const Descriptor& file, const std::string& path)
     }
 }
 
-bool IsEndRequired()
+bool IsEndLineRequired()
 {
     const char* set = std::getenv("CFG_REQUIRE_END");
     const std::string_view value = set != nullptr ? set : "";
     if (value != "1" && value != "0" && !value.empty()) {
-        throw CFG_Error("CFG_REQUIRE_END is '" + std::string(value) +
-                        "'; set it to 1, so that each file must end with the line '" + std::string(endLine) +
-                        "', or to 0");
+        throw CFG_Error("CFG_REQUIRE_END is '" + std::string(value) + "'; set it to 1 to require the line '" +
+                        std::string(endLine) + "' at the end of each file, or to 0");
     }
     return value == "1";
 }
 
-// Whether the last line is the end line; one line end may stand behind it.
-bool HasEnd(std::string_view content)
+// Whether the last line is the end line. One line end may follow it.
+bool HasEndLine(std::string_view content)
 {
     if (content.ends_with('\n')) {
         content.remove_suffix(content.ends_with("\r\n") ? 2 : 1);
@@ -124,11 +115,6 @@ bool HasEnd(std::string_view content)
     }
     content.remove_suffix(endLine.size());
     return content.empty() || content.ends_with('\n');
-}
-
-bool IsHidden(const std::string& name)
-{
-    return name.starts_with('.');
 }
 
 std::string Lower(std::string text)
@@ -151,7 +137,7 @@ std::vector<std::string> FindFiles(const std::string& path)
     try {
         for (const auto& item : fs::directory_iterator(path)) {
             const std::string name = item.path().filename().string();
-            if (IsHidden(name) || !Lower(name).ends_with(suffix)) {
+            if (name.starts_with('.') || !Lower(name).ends_with(suffix)) {
                 continue;
             }
             if (!name.ends_with(suffix)) {
@@ -173,29 +159,29 @@ std::vector<std::string> FindFiles(const std::string& path)
 
 std::string ReadFile(const std::string& path)
 {
-    const Descriptor file(Open(path));
+    const Descriptor file = Open(path);
     struct stat status {};
-    if (fstat(file.number, &status) != 0) {
-        RefuseAfterError(path, "cannot be looked at");
+    if (fstat(file.Get(), &status) != 0) {
+        RefuseAfterError(path, "cannot be read");
     }
-    const bool isPipe = IsPipeWithoutName(file.number);
+    const bool isPipe = IsUnnamedPipe(file);
     if (!S_ISREG(status.st_mode) && !isPipe) {
         Refuse(path, std::string("is ") + KindOf(status.st_mode) +
                          ", which cannot be read as a configuration; name a regular file, or move it out of the "
                          "configuration's folder");
     }
-    if (fcntl(file.number, F_SETFL, 0) != 0) { // whoever writes into a pipe may take their time
+    if (fcntl(file.Get(), F_SETFL, 0) != 0) { // from now on, reading waits for the writer of a pipe
         RefuseAfterError(path, "cannot be read");
     }
-    std::string content = ReadToItsEnd(file, path);
+    std::string content = ReadToEnd(file, path);
     if (isPipe && content.empty()) {
-        // A pipe is read once only. Nothing, taken for a configuration, would restrict nobody.
+        // A pipe can be read only once. An empty configuration would restrict nobody.
         Refuse(path, "the pipe holds nothing, or was read before; name a regular file to read it more than once");
     }
-    if (IsEndRequired() && !HasEnd(content)) {
+    if (IsEndLineRequired() && !HasEndLine(content)) {
         Refuse(path,
                "the file ends without the line '" + std::string(endLine) +
-                   "', which CFG_REQUIRE_END=1 asks for; write the file whole, and that line as its last one",
+                   "', which CFG_REQUIRE_END=1 requires; write the whole file again, with that line as the last one",
                PositionBehind(content));
     }
     return content;

@@ -11,33 +11,22 @@
 #include <stdexcept>
 #include <utility>
 
+namespace secm::platform {
 namespace {
 
-constexpr mode_t readAndWriteForAll = 0666; // less the process's mask
+constexpr mode_t readAndWriteForAll = 0666; // the process's mask is applied to it
 constexpr int waitForever = -1;
 constexpr const char* noLogFile = "it is neither a file nor a terminal; name a file";
-
-[[noreturn]] void RefuseByErrno()
-{
-    throw std::runtime_error(std::strerror(errno));
-}
 
 int NotNegative(int result)
 {
     if (result < 0) {
-        RefuseByErrno();
+        throw std::runtime_error(std::strerror(errno));
     }
     return result;
 }
 
-void Close(int descriptor)
-{
-    if (descriptor != STDERR_FILENO) {
-        close(descriptor);
-    }
-}
-
-// Whether `path` leads to what the process writes to already, as /dev/stdout and /dev/stderr do. Opened again, a pipe
+// Whether `path` leads to what `descriptor` writes to already, as /dev/stdout and /dev/stderr do. Opened again, a pipe
 // or a socket would be refused, and a file would be written from its beginning.
 bool IsPathOf(int descriptor, const std::string& path)
 {
@@ -47,49 +36,39 @@ bool IsPathOf(int descriptor, const std::string& path)
            named.st_ino == open.st_ino;
 }
 
-// A pipe that nobody reads would hold up every request.
-void RequireLogFile(int descriptor)
+// Refuses pipes: one that nobody reads would stop every request.
+void RequireLogFile(const Descriptor& opened)
 {
     struct stat found {};
-    NotNegative(fstat(descriptor, &found));
+    NotNegative(fstat(opened.Get(), &found));
     if (!S_ISREG(found.st_mode) && !S_ISCHR(found.st_mode)) {
         throw std::runtime_error(noLogFile);
     }
-    NotNegative(fcntl(descriptor, F_SETFL, O_APPEND)); // no longer without waiting: a terminal may be slow
 }
 
-int OpenedForAppending(const std::string& path)
+Descriptor OpenForAppending(const std::string& path)
 {
     for (const int standard : {STDOUT_FILENO, STDERR_FILENO}) {
         if (IsPathOf(standard, path)) {
-            return NotNegative(fcntl(standard, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+            return Descriptor(NotNegative(fcntl(standard, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)));
         }
     }
-    const int opened =
-        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, readAndWriteForAll);
-    if (opened == -1 && errno == ENXIO) { // of pipes that nobody reads, and of sockets
+    Descriptor opened(
+        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, readAndWriteForAll));
+    if (!opened.IsOpen() && errno == ENXIO) { // a pipe that nobody reads, or a socket
         throw std::runtime_error(noLogFile);
     }
-    NotNegative(opened);
-    try {
-        RequireLogFile(opened);
-    } catch (...) {
-        close(opened);
-        throw;
-    }
+    NotNegative(opened.Get());
+    RequireLogFile(opened);
+    NotNegative(fcntl(opened.Get(), F_SETFL, O_APPEND)); // from now on, write() waits for a slow terminal
     return opened;
 }
 
 } // namespace
 
-LineSink::LineSink(std::string toPath) : path(std::move(toPath)), descriptor(STDERR_FILENO)
+LineSink::LineSink(std::string toPath) : path(std::move(toPath))
 {
     Reopen();
-}
-
-LineSink::~LineSink()
-{
-    Close(descriptor);
 }
 
 bool LineSink::Reopen()
@@ -99,14 +78,19 @@ bool LineSink::Reopen()
     }
     const std::lock_guard<std::mutex> lock(mutex_);
     try {
-        Close(std::exchange(descriptor, OpenedForAppending(path)));
+        file = OpenForAppending(path);
         isTorn = false;
         return true;
     } catch (const std::runtime_error& error) {
         std::fprintf(stderr, "TMR_LOG_FILE: cannot open '%s': %s; logging to %s\n", path.c_str(), error.what(),
-                     descriptor == STDERR_FILENO ? "standard error" : "the file that was open before");
+                     file.IsOpen() ? "the file that was open before" : "standard error");
         return false;
     }
+}
+
+int LineSink::Target() const
+{
+    return file.IsOpen() ? file.Get() : STDERR_FILENO;
 }
 
 void LineSink::sink_it_(const spdlog::details::log_msg& message)
@@ -117,11 +101,11 @@ void LineSink::sink_it_(const spdlog::details::log_msg& message)
     }
     formatter_->format(message, line);
     for (std::size_t written = 0; written < line.size();) {
-        const ssize_t more = write(descriptor, line.data() + written, line.size() - written);
+        const ssize_t more = write(Target(), line.data() + written, line.size() - written);
         if (more > 0) {
             written += static_cast<std::size_t>(more);
         } else if (more == -1 && errno == EAGAIN) {
-            pollfd room{descriptor, POLLOUT, 0};
+            pollfd room{Target(), POLLOUT, 0};
             poll(&room, 1, waitForever);
         } else if (more == 0 || errno != EINTR) {
             const std::string reason = std::strerror(more == 0 ? ENOSPC : errno);
@@ -132,18 +116,20 @@ void LineSink::sink_it_(const spdlog::details::log_msg& message)
     isTorn = false;
 }
 
-// Cuts the file behind the last whole line, where it still ends with what was written of this one: another process may
-// have appended a line of its own, which must stay.
+// Cuts off the `written` bytes of an unfinished line. Does not cut when another process has appended after them: its
+// line must stay.
 void LineSink::TakeBack(std::size_t written)
 {
     if (written == 0) {
         return;
     }
-    const off_t end = lseek(descriptor, 0, SEEK_CUR);
+    const off_t end = lseek(Target(), 0, SEEK_CUR);
     struct stat found {};
-    const bool isAtEnd = (fcntl(descriptor, F_GETFL) & O_APPEND) != 0 && fstat(descriptor, &found) == 0 &&
+    const bool isAtEnd = (fcntl(Target(), F_GETFL) & O_APPEND) != 0 && fstat(Target(), &found) == 0 &&
                          S_ISREG(found.st_mode) && found.st_size == end;
-    if (!isAtEnd || ftruncate(descriptor, end - static_cast<off_t>(written)) != 0) {
+    if (!isAtEnd || ftruncate(Target(), end - static_cast<off_t>(written)) != 0) {
         isTorn = true;
     }
 }
+
+} // namespace secm::platform

@@ -1,5 +1,5 @@
-// The log on spdlog: it gives the locking and the time; the rest of a line is made here, so that whatever a message
-// carries, it stays one line that nobody can mistake for another.
+// The log on spdlog, which gives the locking and the time. The rest of a line is made here and escaped, so that no
+// message can break a line or forge one.
 #include "platform/logging/Tmr_LogFile.h"
 
 #include "platform/KeptUntilUnload.h"
@@ -105,7 +105,8 @@ struct Tmr_LogFile::Writer {
         });
     }
 
-    const std::shared_ptr<LineSink> sink = std::make_shared<LineSink>(PathFromEnvironment());
+    const std::shared_ptr<secm::platform::LineSink> sink =
+        std::make_shared<secm::platform::LineSink>(PathFromEnvironment());
     spdlog::logger logger{"TmrGLog", sink};
 };
 

@@ -1,0 +1,38 @@
+// Ownership of an open file descriptor.
+#pragma once
+
+#include <unistd.h>
+
+#include <utility>
+
+namespace secm::platform {
+
+/// Closes its descriptor when it goes.
+class Descriptor {
+public:
+    /// Takes ownership of `openDescriptor`; -1: none.
+    explicit Descriptor(int openDescriptor = -1) : descriptor(openDescriptor) {}
+    ~Descriptor()
+    {
+        if (IsOpen()) {
+            close(descriptor);
+        }
+    }
+    Descriptor(Descriptor&& other) noexcept : descriptor(other.Release()) {}
+    Descriptor& operator=(Descriptor&& other) noexcept
+    {
+        std::swap(descriptor, other.descriptor);
+        return *this;
+    }
+
+    int Get() const { return descriptor; }
+    bool IsOpen() const { return descriptor != -1; }
+
+    /// Gives up ownership: the caller closes the descriptor.
+    int Release() { return std::exchange(descriptor, -1); }
+
+private:
+    int descriptor;
+};
+
+} // namespace secm::platform
