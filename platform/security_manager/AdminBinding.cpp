@@ -26,7 +26,7 @@ public:
     AdminLibrary() : path(Path()), handle(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL))
     {
         if (handle == nullptr) {
-            // The loader's reason may name another library, that this one needs.
+            // The loader's reason may name only another library that this one needs.
             throw std::runtime_error("the administration library '" + path + "' cannot be opened: " + Reason());
         }
         try {

@@ -24,8 +24,8 @@ struct SECM_Attribute {
     std::string value;
 };
 
-/// Something about the connection that lets others than the administrators decide what is answered.
-struct SECM_Concern {
+/// A property of the connection that lets outsiders change the answers.
+struct SECM_Risk {
     std::string problem;
     std::string effect;
     std::string remedy;
@@ -44,11 +44,11 @@ public:
     /// All attributes, those of one user together.
     virtual void ForEachAttribute(const std::function<void(const SECM_Attribute& attribute)>& handle) = 0;
 
-    /// Looks through all that is stored for damage that a request may pass over, and throws when there is some. May
-    /// take long. A security manager that cannot tell finds none.
-    virtual void RequireSound() {}
-    /// What is to be mended about the connection itself; nothing where the security manager cannot tell.
-    virtual void ForEachConcern(const std::function<void(const SECM_Concern& concern)>& /*handle*/) {}
+    /// Reads everything that is stored and throws when it is damaged, also where requests would not notice. May take
+    /// long. A security manager that cannot check this does nothing.
+    virtual void CheckIntegrity() {}
+    /// The risks of the connection that the security manager can detect.
+    virtual void ForEachRisk(const std::function<void(const SECM_Risk& risk)>& /*handle*/) {}
 };
 
 /// Connects, with the arguments of SecurityManagerInterface::Initialize. Throws std::runtime_error, without quoting

@@ -14,14 +14,14 @@ public:
     virtual bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode) = 0;
 
     /// The user named `userName`, or null when there is no such user; see UserDetailsInterface for how long
-    /// it is valid. `domain` is not used. What is granted to the user and the user's group is read with it, at one
-    /// moment, for the list that is asked for next.
+    /// it is valid. `domain` is not used. The permissions of the user and the user's group are read in the same
+    /// snapshot, for the next call of GetPermissionList.
     virtual UserDetailsInterface* GetUserDetails(const char* domain, const char* userName) = 0;
 
     /// What is granted to exactly this user and exactly this group, in the order of granting: a new list that
     /// the caller owns, empty when nothing is granted. An empty or null group is no group. The first call after
-    /// GetUserDetails, for that user and that user's group, answers what was read with the user; any other call reads
-    /// what is granted now.
+    /// GetUserDetails gives what was read with that user, when it asks for the same user and the user's group; any
+    /// other call reads what is granted now.
     virtual PermissionListInterface* GetPermissionList(const char* group, const char* user) = 0;
 
     virtual ~SMADM_Interface() = default;

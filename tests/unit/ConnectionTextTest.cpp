@@ -1,10 +1,12 @@
-// What is tried of a connection text, and what of it may be seen.
+// How connection texts are read, and what of them is shown.
 #include "platform/security_manager/sql/ConnectionText.h"
 #include "tests/Cases.h"
 
 #include <stdexcept>
 
 namespace {
+
+using namespace secm::platform;
 
 TEST(ConnectionTextTest, ShowsNothingThatCouldBeSecret)
 {
@@ -20,7 +22,7 @@ TEST(ConnectionTextTest, ShowsNothingThatCouldBeSecret)
     }
 }
 
-TEST(ConnectionTextTest, WhatTheTextSaysGoesBeforeOurSettings)
+TEST(ConnectionTextTest, TheTextOverridesOurSettings)
 {
     const auto settings = [](const char* text) {
         return std::get<PostgreSqlAddress>(DatabaseAddressOf(text, 7)).settings;
@@ -35,7 +37,7 @@ TEST(ConnectionTextTest, WhatTheTextSaysGoesBeforeOurSettings)
     EXPECT_EQ(std::get<SqliteAddress>(DatabaseAddressOf("sqlite3://timeout=3 db=a", 7)).timeoutSeconds, 3U);
 }
 
-TEST(ConnectionTextTest, OnlyVerifiedServersAreSafeOnTheirWay)
+TEST(ConnectionTextTest, OnlyLocalAndVerifiedServersCannotBeImpersonated)
 {
     for (const char* local : {"", "127.0.0.1", "127.1.2.3", "::1"}) {
         EXPECT_FALSE(CanBeImpersonated(local, "prefer")) << local;

@@ -12,7 +12,7 @@
 
 namespace {
 
-// The place of what is wrong with the connection itself.
+// The place of findings about the connection.
 constexpr const char* securityOption = "--security";
 
 std::string PositionOf(const SECM_Grant& grant)
@@ -233,8 +233,8 @@ void CheckSecurity(const std::vector<CheckedRepository>& repositories, SECM_List
         }
     }
 
-    security.ForEachConcern([&](const SECM_Concern& concern) {
-        Report(findings, "").Warn("AC051", {securityOption, 1, 1}, concern.problem, concern.effect, concern.remedy);
+    security.ForEachRisk([&](const SECM_Risk& risk) {
+        Report(findings, "").Warn("AC051", {securityOption, 1, 1}, risk.problem, risk.effect, risk.remedy);
     });
     security.ForEachGrant([&](const SECM_Grant& grant) {
         const std::string name = grant.permission.name();

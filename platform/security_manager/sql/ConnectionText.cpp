@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+namespace secm::platform {
 namespace {
 
 constexpr std::string_view sqliteScheme = "sqlite3://";
@@ -18,7 +19,7 @@ constexpr std::string_view postgreSqlScheme = "postgresql://";
 constexpr std::string_view schemeEnd = "://";
 constexpr std::string_view hidden = "***";
 
-// Of SQLite all keys are harmless, for others are refused.
+// All are harmless; other keys are refused.
 constexpr std::array<std::string_view, 6> sqliteKeys = {"db",       "dbname",       "timeout",
                                                         "readonly", "shared_cache", "synchronous"};
 constexpr std::array<std::string_view, 12> harmlessPostgreSqlKeys = {"host",
@@ -56,7 +57,7 @@ unsigned SecondsOf(std::string_view value)
     return seconds;
 }
 
-// No input stream takes the text apart: one that runs out of memory never comes to its end.
+// Parses without an input stream: when memory runs out, a stream never reports its end.
 std::vector<Setting> SqliteSettingsOf(std::string_view text)
 {
     std::vector<Setting> settings;
@@ -69,8 +70,8 @@ std::vector<Setting> SqliteSettingsOf(std::string_view text)
         const std::string key(text.substr(0, keyEnd));
         if (keyEnd == std::string_view::npos || text[keyEnd] != '=' ||
             std::find(sqliteKeys.begin(), sqliteKeys.end(), key) == sqliteKeys.end()) {
-            throw std::runtime_error("write sqlite3://db=FILE; a file whose name holds blanks stands between double "
-                                     "quotes, and the other keys are timeout, readonly, shared_cache and synchronous");
+            throw std::runtime_error("write sqlite3://db=FILE; put a file name with blanks between double quotes; the "
+                                     "other keys are timeout, readonly, shared_cache and synchronous");
         }
         text.remove_prefix(keyEnd + 1);
         const bool isQuoted = text.starts_with('"');
@@ -96,7 +97,7 @@ SqliteAddress SqliteAddressOf(std::string_view text, unsigned timeoutSeconds)
             address.sharesCache = IsTrue(setting.value);
         } else if (setting.key == "readonly" && !IsTrue(setting.value)) {
             throw std::runtime_error("readonly in the connection text must be true: the file is only read");
-        } // synchronous is about writing
+        } // synchronous concerns only writers
     }
     if (address.file.empty()) {
         throw std::runtime_error("the connection text names no file; write sqlite3://db=FILE");
@@ -104,8 +105,7 @@ SqliteAddress SqliteAddressOf(std::string_view text, unsigned timeoutSeconds)
     return address;
 }
 
-// As the client library itself takes the text apart. What it says of one that it cannot parse quotes parts of it, so
-// nobody sees that.
+// Uses the client library's own parser. Its error message is dropped, because it quotes parts of the text.
 std::vector<Setting> PostgreSqlSettingsOf(const std::string& text)
 {
     char* reason = nullptr;
@@ -116,9 +116,9 @@ std::vector<Setting> PostgreSqlSettingsOf(const std::string& text)
         if (reason == nullptr) {
             throw std::bad_alloc();
         }
-        throw std::runtime_error("the connection text cannot be taken apart: write postgresql://host=... dbname=... "
-                                 "user=..., with keys of libpq in lower case, not user@host/database; a value that "
-                                 "holds blanks stands between single quotes");
+        throw std::runtime_error("the connection text cannot be parsed: write postgresql://host=... dbname=... "
+                                 "user=..., with keys of libpq in lower case, not user@host/database; put a value "
+                                 "with blanks between single quotes");
     }
     std::vector<Setting> settings;
     for (const PQconninfoOption* option = options.get(); option->keyword != nullptr; ++option) {
@@ -129,7 +129,7 @@ std::vector<Setting> PostgreSqlSettingsOf(const std::string& text)
     return settings;
 }
 
-// A text that begins as a URI is parsed by the client library as something else than KEY=VALUE.
+// The client library would read a text that begins as a URI in another way than KEY=VALUE.
 void RequireKeys(const std::string& text)
 {
     if (text.starts_with('/') || text.find(schemeEnd) < text.find('=') || text.find('=') == std::string::npos) {
@@ -143,10 +143,9 @@ PostgreSqlAddress PostgreSqlAddressOf(const std::string& text, unsigned timeoutS
         throw std::runtime_error("leave out singlerow: an answer that breaks off would look like a whole one");
     }
     RequireKeys(text);
-    PostgreSqlSettingsOf(text);
-    // Ours stand first, for the last one of a key counts. Without the encoding, the environment could have names
-    // converted on their way, into those of other users or of nobody. Kerberos' encryption ends the process when memory
-    // runs out in its library.
+    PostgreSqlSettingsOf(text); // throws when it cannot be parsed
+    // Ours stand first, because the last value of a key counts. Without client_encoding, PGCLIENTENCODING could convert
+    // names into those of other users. The library of Kerberos' encryption ends the process when memory runs out.
     std::string settings = "client_encoding=UTF8 gssencmode=disable ";
     if (timeoutSeconds != 0) {
         const std::string timeout = std::to_string(timeoutSeconds);
@@ -161,7 +160,7 @@ std::string Shown(std::string_view scheme, const std::vector<Setting>& settings,
 {
     std::string shown;
     for (const Setting& setting : settings) {
-        // A value that is an address of its own may hold a password.
+        // A value that is itself a connection text may hold a password.
         const bool isHarmless =
             std::find(harmlessKeys.begin(), harmlessKeys.end(), setting.key) != harmlessKeys.end() &&
             setting.value.find_first_of("@=") == std::string::npos &&
@@ -200,7 +199,7 @@ std::string ShownConnectionText(const std::string& connectionText)
             return Shown(postgreSqlScheme, PostgreSqlSettingsOf(text), harmlessPostgreSqlKeys);
         }
     } catch (const std::runtime_error&) {
-        // shown like a text of no known scheme
+        // It cannot be parsed: only the scheme is shown.
     }
     const std::size_t end = connectionText.find(schemeEnd);
     const bool hasScheme =
@@ -213,3 +212,5 @@ bool CanBeImpersonated(std::string_view address, std::string_view sslMode)
     const bool isLocal = address.empty() || address.starts_with("127.") || address == "::1";
     return !isLocal && sslMode != "verify-full";
 }
+
+} // namespace secm::platform

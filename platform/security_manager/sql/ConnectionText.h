@@ -1,33 +1,37 @@
-// What administrators write to name a security database, taken apart before any database library sees it.
+// Parses connection texts, which administrators write, before any database library sees them.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <variant>
 
+namespace secm::platform {
+
 /// A longer limit would overflow the milliseconds in which the databases count.
 inline constexpr unsigned longestTimeoutSeconds = 2'000'000;
 
 struct SqliteAddress {
-    std::string file;            ///< As it was written, never empty.
-    unsigned timeoutSeconds = 0; ///< How long to wait for a lock; 0: not at all.
+    std::string file;            ///< As written, never empty.
+    unsigned timeoutSeconds = 0; ///< How long a statement waits for a lock; 0: not at all.
     bool sharesCache = false;
 };
 
 struct PostgreSqlAddress {
-    std::string settings; ///< KEY=VALUE..., which the client library can parse.
+    std::string settings; ///< KEY=VALUE ..., checked by the client library's parser.
 };
 
 using DatabaseAddress = std::variant<SqliteAddress, PostgreSqlAddress>;
 
-/// Where the text leads to, with the time limit (seconds, at most the longest; 0: the database's own). Throws
-/// std::runtime_error, which quotes nothing that could be secret, when the text names no database.
+/// The database that the text names. `timeoutSeconds` is at most longestTimeoutSeconds; 0: the database's own limit.
+/// Throws std::runtime_error, whose text quotes nothing that could be secret, when the text names no database.
 DatabaseAddress DatabaseAddressOf(const std::string& connectionText, unsigned timeoutSeconds);
 
-/// The text as it may be shown: the values of keys that are known to be harmless, and *** for all else; nothing but the
-/// scheme when the text cannot be taken apart.
+/// The text without secrets, for messages: *** stands for the values of all keys that are not known to be harmless.
+/// Only the scheme is shown when the text cannot be parsed.
 std::string ShownConnectionText(const std::string& connectionText);
 
-/// Whether another machine could answer as the PostgreSQL server at `address` (a number; empty: a local socket) with
-/// this `sslMode`: on the way to a server that is not local, unless its certificate and name are verified.
+/// Whether another machine could pretend to be the PostgreSQL server at `address` (numeric; empty: a local socket):
+/// true for a server on another machine, unless `sslMode` verifies its certificate and name.
 bool CanBeImpersonated(std::string_view address, std::string_view sslMode);
+
+} // namespace secm::platform

@@ -16,14 +16,15 @@
 #include <stdexcept>
 #include <variant>
 
+namespace secm::platform {
 namespace {
 
 constexpr int noticeLevel = 6;
 constexpr int moduleNumber = 198;
 constexpr const char* quickCheckVariable = "SECM_QUICK_CHECK";
 
-// In place of the client library's own, which writes to the host's standard error. No exception may reach that library;
-// what makes a statement fail is told by its error.
+// Replaces the client library's own, which writes to the host's standard error. No exception may reach that library. A
+// notice is never the reason of a failure, so it may be lost.
 void LogNotice(void* /*unused*/, const char* text) noexcept
 try {
     if (TmrGLog.StoreParams("platform/security_manager/sql/DatabaseConnection", __func__, __LINE__, noticeLevel,
@@ -38,32 +39,32 @@ bool WantsQuickCheck()
     const char* wanted = std::getenv(quickCheckVariable);
     const std::string text = wanted != nullptr ? wanted : "";
     if (!text.empty() && text != "0" && text != "1") {
-        throw std::runtime_error(std::string(quickCheckVariable) + " must be 0 or 1");
+        throw std::runtime_error(std::string(quickCheckVariable) + " is '" + text +
+                                 "'; set it to 1 to check the whole file with each new connection, or to 0");
     }
     return text == "1";
 }
 
-// PostgreSQL's client library uses OpenSSL, which would empty itself when exit() is called, under threads that still
-// ask; the first use in the process decides, so a host that uses it earlier decides for itself. When it could not set
-// itself up for want of memory, it goes on, and ends the process at the next step.
+// PostgreSQL's client library uses OpenSSL, which frees its data in exit() while other threads still use it, unless it
+// is told not to. Only the first call in the process counts, so a host that uses OpenSSL earlier decides itself. When
+// memory runs out in this call, OpenSSL would end the process later.
 void PrepareOpenSsl()
 {
     if (OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr) != 1 || OSSL_LIB_CTX_get0_global_default() == nullptr) {
         throw std::runtime_error(
-            "memory ran out when OpenSSL set itself up, which it does once; start the program again");
+            "memory ran out while OpenSSL was initialized, which happens only once; start the program again");
     }
 }
 
 } // namespace
 
-// The backends are linked, not looked for by SOCI when a text names them: a library that SOCI opens by itself could not
-// be unloaded with ours.
+// SOCI's backends are linked: a backend that SOCI loads by its name would not be unloaded with our library.
 DatabaseConnection::DatabaseConnection(const std::string& connectionText, unsigned timeoutSeconds)
 {
     const DatabaseAddress address = DatabaseAddressOf(connectionText, timeoutSeconds);
     if (const auto* sqlite = std::get_if<SqliteAddress>(&address)) {
-        if (secm::platform::IsExiting()) {
-            // SOCI destroys at exit what it looks up the first time that a statement runs on SQLite.
+        if (IsExiting()) {
+            // The first statement of a connection uses static data of SOCI, which exit() destroys.
             throw std::runtime_error("the process is exiting; no new connection is made");
         }
         session.open(*soci::factory_sqlite3(), ":memory:");
@@ -76,7 +77,7 @@ DatabaseConnection::DatabaseConnection(const std::string& connectionText, unsign
     timeLimit.emplace(session, timeoutSeconds);
     Keep([&] {
         if (!file) {
-            // Row-level security would leave rows out without a word; now the server refuses instead.
+            // Row-level security would leave rows out silently. With this setting the server refuses the statement.
             session << "SET row_security = off";
             if (timeoutSeconds != 0) {
                 session << "SET statement_timeout = " << timeoutSeconds * 1000;
@@ -85,7 +86,7 @@ DatabaseConnection::DatabaseConnection(const std::string& connectionText, unsign
         RequireTextColumns(session);
     });
     if (WantsQuickCheck()) {
-        RequireSound();
+        CheckIntegrity();
     }
 }
 
@@ -96,14 +97,14 @@ void DatabaseConnection::RequireWhole()
     }
 }
 
-void DatabaseConnection::RequireSound()
+void DatabaseConnection::CheckIntegrity()
 {
     if (file) {
-        file->RequireSound();
+        file->CheckIntegrity();
     }
 }
 
-std::optional<SECM_Concern> DatabaseConnection::Concern()
+std::optional<SECM_Risk> DatabaseConnection::Risk()
 {
     if (file) {
         return std::nullopt;
@@ -123,8 +124,9 @@ std::optional<SECM_Concern> DatabaseConnection::Concern()
     if (!CanBeImpersonated(address, sslMode)) {
         return std::nullopt;
     }
-    return SECM_Concern{
-        "the server at " + address + " is not this machine, and sslmode is '" + sslMode + "'",
-        "whoever can stand between, or answer in the server's name, decides what everybody sees",
-        "write sslmode=verify-full and sslrootcert=FILE in the connection text; see docs/operations.md"};
+    return SECM_Risk{"the server at " + address + " is not this machine, and sslmode is '" + sslMode + "'",
+                     "whoever can stand between, or answer in the server's name, decides what everybody sees",
+                     "write sslmode=verify-full and sslrootcert=FILE in the connection text; see docs/operations.md"};
 }
+
+} // namespace secm::platform

@@ -1,4 +1,4 @@
-// A connection to a security database, opened and set up alike for whoever asks.
+// A connection to a security database, set up in the same way for requests and for listings.
 #pragma once
 
 #include "platform/security_manager/SECM_Listing.h"
@@ -11,39 +11,44 @@
 #include <optional>
 #include <string>
 
-/// One thread at a time. What goes wrong throws std::runtime_error.
+namespace secm::platform {
+
+/// One thread at a time may use it. Each operation throws std::runtime_error when it fails.
 class DatabaseConnection {
 public:
-    /// Connects within `timeoutSeconds` (0: no limit of our own), which limits each call of Keep as well, and makes
-    /// sure that the database can be trusted: its text columns hold text, a file is whole, no row is kept from us.
+    /// Connects within `timeoutSeconds` (0: no limit of our own), which also limits each call of Keep. Throws when
+    /// requests could get wrong answers: a text column has another type, an SQLite file is incomplete, or
+    /// row-level security would hide rows.
     DatabaseConnection(const std::string& connectionText, unsigned timeoutSeconds);
 
     soci::session& Session() { return session; }
 
-    /// The collation that compares byte for byte, as the database calls it.
+    /// The database's name for the collation that compares byte for byte.
     const char* BytewiseCollation() const { return file ? "BINARY" : "\"C\""; }
 
-    /// Runs `statements` of the session within the time limit, as TimeLimit does.
+    /// Runs `statements` of the session within the time limit; see TimeLimit.
     void Keep(const std::function<void()>& statements) { timeLimit->Keep(statements); }
 
-    /// Whether it still leads to the database that its text names; a file may have been replaced.
+    /// Whether the SQLite file's name still leads to the file that is open. True for a server.
     bool IsCurrent() const { return !file || file->IsCurrent(); }
 
-    /// Makes sure that what was read was whole.
+    /// Call it after reading: throws when the SQLite file is incomplete, so that rows may be missing.
     void RequireWhole();
 
-    /// Looks through a whole file for damage.
-    void RequireSound();
+    /// Reads the whole SQLite file and throws when it is damaged. Does nothing for a server.
+    void CheckIntegrity();
 
-    /// What lets somebody between us and the server answer in its place; nothing when nobody can.
-    std::optional<SECM_Concern> Concern();
+    /// The risk that another machine answers in place of the server; nothing when the server is local or verified.
+    std::optional<SECM_Risk> Risk();
 
-    /// Ends the connection. Call it before statements of the session go, which else would take leave of a server that
-    /// may have stopped.
+    /// Closes the connection. Call it before statements of the session are destroyed: otherwise they would send a
+    /// message to a server that may not answer.
     void End() { timeLimit.reset(); }
 
 private:
     soci::session session;
     std::optional<SqliteFile> file;     // on SQLite
-    std::optional<TimeLimit> timeLimit; // until the end
+    std::optional<TimeLimit> timeLimit; // none after End
 };
+
+} // namespace secm::platform

@@ -1,5 +1,5 @@
-// Keeps the interfaces that a library hands out. Callers may never give one back; it is then freed with this object,
-// which is kept until the library is unloaded.
+// Owns the interfaces that a library hands out. One that a caller never gives back is freed with this object, when the
+// library is unloaded.
 #pragma once
 
 #include <memory>

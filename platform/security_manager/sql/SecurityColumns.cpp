@@ -11,9 +11,10 @@
 #include <stdexcept>
 #include <string_view>
 
+namespace secm::platform {
 namespace {
 
-// Type numbers that every server has.
+// Numbers of PostgreSQL's built-in types.
 constexpr Oid textType = 25;
 constexpr Oid varcharType = 1043;
 
@@ -27,8 +28,8 @@ std::string SelectOfColumns()
     return columns + " FROM security_user, security_attribute, security_permission WHERE 1 = 0";
 }
 
-// By the rules by which SQLite gives a column its affinity. An expression of a view has no declared type; its values
-// are looked at instead.
+// Follows SQLite's rules of column affinity. An expression of a view has no declared type (null); SqliteFile checks its
+// values instead.
 bool IsTextType(const char* declared)
 {
     if (declared == nullptr) {
@@ -89,3 +90,5 @@ void RequireTextColumns(soci::session& session)
         RequireOnSqlite(static_cast<soci::sqlite3_session_backend*>(session.get_backend())->conn_);
     }
 }
+
+} // namespace secm::platform

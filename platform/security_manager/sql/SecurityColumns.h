@@ -1,5 +1,5 @@
-// The columns of the security tables that hold text. A name of another type would be compared in another way on one
-// road than on the other, or found by nobody.
+// The columns of the security tables that must hold text. Values of another type would be compared differently by
+// log-in and by name, or never be found.
 #pragma once
 
 #include <array>
@@ -9,10 +9,12 @@ namespace soci {
 class session;
 }
 
+namespace secm::platform {
+
 struct SecurityColumn {
     const char* table;
     const char* name;
-    bool isSearched; ///< Whether rows are found by it, for which an index is expected.
+    bool isSearched; ///< Requests find rows by it, so it should have an index.
 };
 
 inline constexpr std::array<SecurityColumn, 9> textColumns = {{
@@ -27,9 +29,11 @@ inline constexpr std::array<SecurityColumn, 9> textColumns = {{
     {"security_permission", "resource", false},
 }};
 
-/// What is wrong with a column that holds, or may hold, something else than text, and the remedy.
+/// The error message for a column that has another type than text or holds a value that is no text.
 std::string NotText(const SecurityColumn& column);
 
-/// Makes sure that each of the columns is of a type whose values are texts and compared as such. Throws
-/// std::runtime_error, which names the first that is not, and what the database says when there is no such column.
+/// Throws std::runtime_error when one of the columns is not of a text type, with the name of the first such column, or
+/// when it is missing, with the database's own message.
 void RequireTextColumns(soci::session& session);
+
+} // namespace secm::platform

@@ -26,10 +26,10 @@ enum Section : long long { userSection = 0, attributeSection = 1, permissionSect
 
 constexpr std::string_view ownValue = "%my%";
 
-// Names are compared as their column compares, which an index serves, and byte for byte, however the column compares.
-class Comparison {
+// Compares names twice: by the column's own collation, which can use an index, and byte for byte.
+class NameComparison {
 public:
-    explicit Comparison(const char* bytewiseCollation) : collation(bytewiseCollation) {}
+    explicit NameComparison(const char* bytewiseCollation) : collation(bytewiseCollation) {}
 
     std::string Equal(const std::string& column, const std::string& sought) const
     {
@@ -58,8 +58,8 @@ std::string PermissionRows(const char* tables, const std::string& condition)
     return std::string("SELECT 2, ") + permissionColumns + " FROM " + tables + " WHERE " + condition;
 }
 
-// A group name that is no text is told by the number, for nothing would be granted to such a group.
-std::string UserWithPermissionsRows(const Comparison& names)
+// The user's row has the value -1 when the group name is no text: nothing would be granted to such a group.
+std::string UserWithPermissionsRows(const NameComparison& names)
 {
     const std::string isUser = names.Equal("security_user.user_name", ":user");
     return "SELECT 0, 0, group_name, CAST(NULL AS TEXT),"
@@ -71,7 +71,7 @@ std::string UserWithPermissionsRows(const Comparison& names)
                           isUser + " AND " + names.GrantedToGroup("security_user.group_name"));
 }
 
-std::string PermissionsOfBothRows(const Comparison& names)
+std::string PermissionsOfBothRows(const NameComparison& names)
 {
     return PermissionRows("security_permission", names.GrantedToUser(":user")) + " UNION ALL " +
            PermissionRows("security_permission", names.GrantedToGroup(":group"));
@@ -88,7 +88,7 @@ public:
           permissions(connection.Session())
     {
         permissions.exchange(soci::use(groupName, "group"));
-        const Comparison names(connection.BytewiseCollation());
+        const NameComparison names(connection.BytewiseCollation());
         connection.Keep([&] {
             Prepare(permissions, PermissionsOfBothRows(names) + inOrder);
             Prepare(userWithPermissions, UserWithPermissionsRows(names) + inOrder);
@@ -203,13 +203,13 @@ private:
     long long section = 0;
     PermissionRow row; // of the user, the name is the group's; of an attribute, the resource is its value
 
-    DatabaseConnection connection;
+    secm::platform::DatabaseConnection connection;
     soci::statement userWithPermissions;
     soci::statement permissions;
 };
 
 SecurityDatabase::SecurityDatabase(std::string connectionText, unsigned timeout)
-    : text(std::move(connectionText)), timeoutSeconds(std::min(timeout, longestTimeoutSeconds))
+    : text(std::move(connectionText)), timeoutSeconds(std::min(timeout, secm::platform::longestTimeoutSeconds))
 {
 }
 
@@ -227,7 +227,7 @@ void SecurityDatabase::LeaveToParent()
     }
 }
 
-// Ends the connection to a file that another one has replaced.
+// Closes the connection to an SQLite file that another file has replaced.
 void SecurityDatabase::DropReplacedFile()
 {
     if (connection && !connection->IsCurrent()) {
@@ -290,8 +290,8 @@ std::unique_ptr<SecurityDatabase> SecurityDatabase::Open(const char* function, c
     }
     if (TmrGLog.StoreParams("platform/security_manager/sql/SecurityDatabase", function, __LINE__, failureLevel,
                             moduleNumber, 1) != 0) {
-        TmrGLog.Log("The security database '%s' cannot be used: %s\n", ShownConnectionText(text).c_str(),
-                    reason.c_str());
+        TmrGLog.Log("The security database '%s' cannot be used: %s\n",
+                    secm::platform::ShownConnectionText(text).c_str(), reason.c_str());
     }
     return nullptr;
 }

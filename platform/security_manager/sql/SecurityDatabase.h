@@ -1,5 +1,5 @@
-// The security database: three tables read by one statement for each question, the same for both roads, through SOCI,
-// so that SQLite and PostgreSQL give the same answers.
+// The security database: three tables, read through SOCI. Each question is one statement, the same for log-in and by
+// name and for SQLite and PostgreSQL, so all give the same answers.
 #pragma once
 
 #include "platform/security_manager/PermissionBase.h"
@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-/// A user with the permissions of the user and of the user's group, by position, as they stood at one moment.
-/// `Permissions` collects them: GrantedPermissions or PermissionsInOrder.
+/// A user with the permissions of the user and the user's group, by position, all of one snapshot. `Permissions` is
+/// GrantedPermissions or PermissionsInOrder.
 template <class Permissions>
 struct UserWithPermissions {
     SecurityUser user;
@@ -28,9 +28,9 @@ struct PermissionsInOrder {
     std::vector<PermissionBase> list;
 };
 
-/// One connection, used by one thread at a time. A question that fails throws std::runtime_error, whose text
-/// begins with the question's name, and drops the connection; the next question connects again, as do one that finds
-/// another file under the database's name and the first one in a process that was forked.
+/// One connection, used by one thread at a time. A question that fails throws std::runtime_error, whose text begins
+/// with the question's name, and drops the connection. The next question then connects again; so does a question after
+/// another file has taken the SQLite file's name, and the first one in a forked process.
 class SecurityDatabase {
 public:
     /// Connects and tries every statement. Null when that fails or `mode` is not "nonsecure"; the reason is
@@ -39,7 +39,7 @@ public:
                                                   unsigned timeoutSeconds, const char* mode);
     ~SecurityDatabase();
 
-    /// Nothing when there is no such user.
+    /// No value when there is no such user.
     template <class Permissions>
     std::optional<UserWithPermissions<Permissions>> ReadUser(const std::string& userName);
 

@@ -1,5 +1,4 @@
-// The administration interface on the security database: the same users, groups and permissions as at log-in, read by
-// the same statement, asked for by name.
+// The administration interface on the security database: reads users by name, with the same statement as a log-in.
 #include "platform/security_manager/SMADM_Interface.h"
 
 #include "platform/KeptUntilUnload.h"
@@ -62,9 +61,9 @@ public:
     }
 
 private:
-    // What was granted when the user was read, for the one question that follows. A later one reads what is granted
-    // then.
-    struct GrantedAtThatMoment {
+    // The permissions that were read with the last user. Only the next question is answered from them; later ones read
+    // what is granted then.
+    struct ReadWithUser {
         std::string userName;
         std::string groupName;
         std::vector<PermissionBase> permissions;
@@ -86,7 +85,7 @@ private:
 
     std::unique_ptr<SecurityDatabase> database;
     std::optional<SqlUserDetails> details; // of the last user who was asked for
-    std::optional<GrantedAtThatMoment> readWithUser;
+    std::optional<ReadWithUser> readWithUser;
 };
 
 HandedOut<SMADM_Interface>& Administrations()

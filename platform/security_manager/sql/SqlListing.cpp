@@ -9,6 +9,9 @@
 #include <stdexcept>
 #include <vector>
 
+using secm::platform::longestTimeoutSeconds;
+using secm::platform::ShownConnectionText;
+
 namespace {
 
 constexpr std::size_t pageSize = 1000;
@@ -82,15 +85,15 @@ public:
             });
     }
 
-    void RequireSound() override
+    void CheckIntegrity() override
     {
-        Ask("looking for damage", [&] { connection.RequireSound(); });
+        Ask("checking the integrity", [&] { connection.CheckIntegrity(); });
     }
 
-    void ForEachConcern(const std::function<void(const SECM_Concern&)>& handle) override
+    void ForEachRisk(const std::function<void(const SECM_Risk&)>& handle) override
     {
-        if (const auto concern = connection.Concern()) {
-            handle(*concern);
+        if (const auto risk = connection.Risk()) {
+            handle(*risk);
         }
     }
 
@@ -158,7 +161,7 @@ private:
     }
 
     std::string text;
-    DatabaseConnection connection;
+    secm::platform::DatabaseConnection connection;
 };
 
 } // namespace

@@ -16,6 +16,7 @@
 #include <thread>
 #include <utility>
 
+namespace secm::platform {
 namespace {
 
 using namespace sqlite_api;
@@ -29,7 +30,7 @@ constexpr std::size_t encodingOffset = 56;
 constexpr std::size_t pageCountValidForOffset = 92;
 constexpr std::uint8_t writeAheadLog = 2;
 constexpr std::uint32_t utf8 = 1;
-constexpr sqlite3_int64 largestPageSize = 65536; // which the header writes as 1
+constexpr sqlite3_int64 largestPageSize = 65536; // stored as 1
 
 sqlite3*& HandleOf(soci::session& session)
 {
@@ -56,7 +57,7 @@ void Run(sqlite3* handle, const char* statement)
 
 using Statement = std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)>;
 
-// The statement, with its first row when it has one.
+// Runs the statement up to its first row. `result` is SQLITE_ROW, or SQLITE_DONE when there is no row.
 Statement FirstRowOf(sqlite3* handle, const std::string& sql, int& result)
 {
     sqlite3_stmt* prepared = nullptr;
@@ -78,7 +79,7 @@ bool HasRow(sqlite3* handle, const std::string& sql)
     return result == SQLITE_ROW;
 }
 
-// While it lives, nobody changes the file by SQLite's own means.
+// Holds a read transaction, and with it SQLite's shared lock on the file.
 class ReadLock {
 public:
     explicit ReadLock(sqlite3* locked) : handle(locked)
@@ -99,8 +100,8 @@ private:
     sqlite3* handle;
 };
 
-// The header on the disk. It is read by SQLite's own means: to close another descriptor of the file would take away the
-// locks that SQLite holds on it.
+// The file's header on the disk. It is read through SQLite's own descriptor: closing a second one would release the
+// locks that SQLite holds on the file.
 class Header {
 public:
     explicit Header(sqlite3* handle)
@@ -117,7 +118,7 @@ public:
     bool IsUtf8() const { return Number(encodingOffset) == utf8; }
     bool HasWriteAheadLog() const { return bytes[readVersionOffset] == writeAheadLog; }
 
-    /// Whether the file has all the pages that it should have, each of them whole.
+    // Whether the file has all pages that the header counts, and no part of a page.
     bool IsWhole() const
     {
         const unsigned stored = (unsigned{bytes[pageSizeOffset]} << 8U) | bytes[pageSizeOffset + 1];
@@ -156,13 +157,14 @@ SqliteFile::SqliteFile(soci::session& watched, const SqliteAddress& address)
     sqlite3* handle = nullptr;
     const int flags = SQLITE_OPEN_READONLY | (address.sharesCache ? SQLITE_OPEN_SHAREDCACHE : 0);
     const int result = sqlite3_open_v2(path.c_str(), &handle, flags, nullptr);
-    // SOCI made a database in memory, for its own way of taking a text apart never ends when memory runs out.
+    // The session was opened on a database in memory, because SOCI's parser of connection texts never ends when memory
+    // runs out. The file takes the place of that database.
     sqlite3_close(std::exchange(HandleOf(session), handle));
     if (result != SQLITE_OK) {
         throw std::runtime_error(handle != nullptr ? sqlite3_errmsg(handle) : "out of memory");
     }
     sqlite3_busy_timeout(handle, static_cast<int>(address.timeoutSeconds * 1000));
-    RequireWholeAtRest();
+    RequireWholeUnderLock();
 }
 
 struct stat SqliteFile::Status() const
@@ -185,18 +187,18 @@ bool SqliteFile::IsCurrent() const
 void SqliteFile::RequireWhole()
 {
     const struct stat now = Status();
-    // Another file of that name is the next request's.
+    // When another file has taken the name, the next request connects to it.
     if (!IsSameFile(now, checked) || (now.st_size == checked.st_size && IsSameTime(now.st_mtim, checked.st_mtim) &&
                                       IsSameTime(now.st_ctim, checked.st_ctim))) {
         return;
     }
-    RequireWholeAtRest();
+    RequireWholeUnderLock();
     checked = now;
 }
 
-void SqliteFile::RequireWholeAtRest()
+void SqliteFile::RequireWholeUnderLock()
 {
-    // A checkpoint of the write-ahead log, which no lock of ours holds up, writes the header before the last pages.
+    // A checkpoint of the write-ahead log does not wait for our lock, and writes the header before the last pages.
     constexpr int mostTries = 20;
     constexpr std::chrono::milliseconds pause(50);
     sqlite3* handle = HandleOf(session);
@@ -222,8 +224,8 @@ void SqliteFile::RequireWholeAtRest()
     RequireTextKeys();
 }
 
-// SQLite keeps whatever was written into a text column; what is no text is found by no name. It sorts numbers before
-// all texts and bytes behind them, so an index finds them at once.
+// SQLite stores values of any type in a text column; a name that is no text is never found. Numbers sort before all
+// texts and BLOBs after them, so an index finds both quickly.
 void SqliteFile::RequireTextKeys()
 {
     for (const SecurityColumn& column : textColumns) {
@@ -235,7 +237,7 @@ void SqliteFile::RequireTextKeys()
     }
 }
 
-void SqliteFile::RequireSound()
+void SqliteFile::CheckIntegrity()
 {
     sqlite3* handle = HandleOf(session);
     int result = SQLITE_ERROR;
@@ -252,3 +254,5 @@ void SqliteFile::RequireSound()
         }
     }
 }
+
+} // namespace secm::platform

@@ -1,5 +1,5 @@
-// The file behind a session on SQLite. SQLite reads what is missing inside of a file's last page as zeros, and goes on
-// with a file that has lost its name; either would make users unknown.
+// The file of a session on SQLite. SQLite reads the missing part of a truncated last page as zeros, and goes on with a
+// file that was deleted or replaced. Either could make users unknown.
 #pragma once
 
 #include "platform/security_manager/sql/ConnectionText.h"
@@ -12,30 +12,34 @@ namespace soci {
 class session;
 }
 
-/// Opens the file of one session, read-only, and watches it. The session must outlive it. One thread at a time. What is
-/// wrong with the file throws std::runtime_error, which names the remedy.
+namespace secm::platform {
+
+/// Opens the file of one session, read-only, and checks it. The session must outlive it. One thread at a time may use
+/// it. Each operation throws std::runtime_error when the file is missing or incomplete; the text names the remedy.
 class SqliteFile {
 public:
-    /// Opens `session` on the file and makes sure that it can be read as a whole. A missing file is not created.
+    /// Opens `session` on the file and checks that it is complete and in UTF-8. A missing file is not created.
     SqliteFile(soci::session& session, const SqliteAddress& address);
 
     /// Whether the file's name still leads to the file that is open.
     bool IsCurrent() const;
 
-    /// Makes sure that the file is whole, when it has changed since it last was. Call it after reading: what was cut
-    /// off before is missing now.
+    /// Checks again that the file is complete, if it has changed since the last check. Call it after reading, so that a
+    /// cut before or during the reading is noticed.
     void RequireWhole();
 
-    /// Lets SQLite look through the whole file, and requires that every text that the security tables hold is one: for
-    /// checks, not for requests.
-    void RequireSound();
+    /// Lets SQLite read the whole file, and checks that the text columns hold nothing but text. Takes long for large
+    /// files.
+    void CheckIntegrity();
 
 private:
     struct stat Status() const;
-    void RequireWholeAtRest();
+    void RequireWholeUnderLock();
     void RequireTextKeys();
 
     soci::session& session;
-    const std::string path; // of the name that was given, which may be a link
-    struct stat checked;    // what the file was like when it was found whole
+    const std::string path; // absolute; may be a link
+    struct stat checked;    // of the file when it was last found complete
 };
+
+} // namespace secm::platform

@@ -33,8 +33,8 @@ int DescriptorOf(soci::session& session)
     return descriptor;
 }
 
-// A new thread begins with the signals blocked that its maker has blocked. The host's signals are for the host's
-// threads: one that blocks a signal and waits for it would otherwise be ended by ours, which does not.
+// Blocks all signals of this thread while it lives. A thread started meanwhile inherits that, so it takes none of the
+// host's signals: a host that blocks a signal and waits for it would be ended if another thread did not block it.
 class AllSignalsBlocked {
 public:
     AllSignalsBlocked()
@@ -60,7 +60,7 @@ TimeLimit::TimeLimit(soci::session& watched, unsigned seconds)
         return;
     }
     try {
-        const AllSignalsBlocked duringStart;
+        const AllSignalsBlocked inherited;
         thread = std::thread([this] { Watch(); });
     } catch (...) {
         close(descriptor);
