@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <vector>
 
+namespace secm::acfilter {
 namespace {
 
 namespace fs = std::filesystem;
@@ -19,14 +20,14 @@ bool IsConfigurationFile(const fs::path& path)
     return extension == ".toml";
 }
 
-// Also of what does not exist yet.
+// The path without links. The file need not exist.
 fs::path Canonical(const fs::path& path)
 {
     std::error_code none;
     return fs::weakly_canonical(fs::absolute(path, none), none);
 }
 
-// By whatever names.
+// Whether both paths lead to one file, which need not exist.
 bool IsSameFile(const fs::path& one, const fs::path& other)
 {
     std::error_code none;
@@ -90,3 +91,5 @@ void RequireNoInput(const std::string& output, const HostOptions& host, const st
         }
     }
 }
+
+} // namespace secm::acfilter

@@ -1,9 +1,16 @@
-// What a command reads, and where it logs: files that its answer must not replace.
+// Keeps the answer of a command from replacing files that the command reads or logs to.
 #pragma once
 
 #include "tools/acfilter/HostOptions.h"
 
-/// Makes sure that `output` is none of the configuration's files and could not become one, is not `usersFrom`, the log,
-/// standard input, output or error, and no file that this process holds open, as it does the security database once it
-/// is connected; nor one of those that SQLite keeps beside its databases. Throws std::runtime_error.
+namespace secm::acfilter {
+
+/// Throws std::runtime_error when `output` is
+/// - a file of the configuration, or a new file that would be read as one;
+/// - `usersFrom`, or the log;
+/// - any file that this process has open, such as standard output or the security database, or a file that SQLite keeps
+///   beside it.
+/// Call it after connecting.
 void RequireNoInput(const std::string& output, const HostOptions& host, const std::optional<std::string>& usersFrom);
+
+} // namespace secm::acfilter

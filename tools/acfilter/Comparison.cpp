@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::size_t namedUnknown = 5;
+constexpr std::size_t mostNamed = 5;
 
 } // namespace
 
@@ -26,7 +26,7 @@ void Comparison::Add(const UserChange& user)
 void Comparison::AddUnknown(const UnknownUser& user)
 {
     ++unknownCount;
-    if (firstUnknown.size() < namedUnknown) {
+    if (firstUnknown.size() < mostNamed) {
         firstUnknown.push_back(user);
     }
 }

@@ -3,6 +3,7 @@
 
 #include "tools/acfilter/AccessComparison.h"
 #include "tools/acfilter/OutputFile.h"
+#include "tools/acfilter/Spool.h"
 
 #include <array>
 
@@ -17,10 +18,10 @@ struct ComparisonHead {
     std::vector<std::string> excluding;
 };
 
-/// A name that was asked for and that neither side knows.
+/// A user whom neither side knows.
 struct UnknownUser {
     std::string name;
-    std::string known; ///< The name without the blanks around it, where one side knows that; else empty.
+    std::string known; ///< The name without blanks around it, when one side knows a user of that name; else empty.
 };
 
 /// Collects in files what has to wait for the summary, so it takes no memory however many users there are.
@@ -32,10 +33,10 @@ public:
     void Add(const UserChange& user);
     void Add(const SettingChange& setting) { settings.push_back(setting); }
 
-    /// Also of those who were added as users.
+    /// Counts a user whom neither side knows, who is added by Add as well.
     void AddUnknown(const UnknownUser& user);
     unsigned long long UnknownCount() const { return unknownCount; }
-    const std::vector<UnknownUser>& FirstUnknown() const { return firstUnknown; } ///< The first few.
+    const std::vector<UnknownUser>& FirstUnknown() const { return firstUnknown; } ///< At most five.
 
     unsigned long long CountOfAll() const { return counts[0] + counts[1] + counts[2] + counts[3]; }
     unsigned long long CountOf(Change change) const { return counts.at(static_cast<std::size_t>(change)); }

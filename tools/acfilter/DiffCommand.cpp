@@ -121,17 +121,31 @@ std::string WithoutBlanksAround(const std::string& name)
     return begin == std::string::npos ? std::string() : name.substr(begin, name.find_last_not_of(blanks) + 1 - begin);
 }
 
-// An answer about nobody must not pass for one about everybody.
+bool IsUnknown(const Account& account)
+{
+    return account.answer.outcome == Outcome::unknownUser;
+}
+
+// Looks for a user whose name differs only by the blanks around it.
+UnknownUser UnknownUserOf(Request request, Side& before, Side& after)
+{
+    const std::string name = std::exchange(request.userName, WithoutBlanksAround(request.userName));
+    const bool isKnown =
+        request.userName != name && (!IsUnknown(before.Explain(request)) || !IsUnknown(after.Explain(request)));
+    return {name, isKnown ? request.userName : ""};
+}
+
+// A comparison of nobody must not look like one in which nobody sees more.
 void RequireSomebody(const Comparison& comparison)
 {
     const std::string nobody = "nobody was compared: ";
     if (comparison.CountOfAll() == 0) {
-        throw std::runtime_error(nobody + "neither security database holds a user; see what --security names");
+        throw std::runtime_error(nobody + "neither security database holds a user; check the option --security");
     }
     if (comparison.CountOfAll() == comparison.UnknownCount()) {
         throw std::runtime_error(nobody + "neither side knows any of the " + std::to_string(comparison.CountOfAll()) +
                                  " users who were asked for; the first is '" + comparison.FirstUnknown().front().name +
-                                 "'; see --users-from and --security");
+                                 "'; check the options --users-from and --security");
     }
 }
 
@@ -160,24 +174,17 @@ void CompareUsers(const DiffOptions& options, Comparison& comparison)
     }
 
     Progress progress(false);
-    const auto isKnown = [&](Request request, const std::string& name) {
-        request.userName = name;
-        return before->Explain(request).answer.outcome != Outcome::unknownUser ||
-               after->Explain(request).answer.outcome != Outcome::unknownUser;
-    };
     const auto compare = [&](const std::string& name, bool onlyIfNew) {
         const Request request{name, options.request.ipAddress, options.request.withoutLogin};
         AskFor(name, [&] {
             const Account old = before->Explain(request);
-            const bool wasUnknown = old.answer.outcome == Outcome::unknownUser;
-            if (onlyIfNew && !wasUnknown) {
+            if (onlyIfNew && !IsUnknown(old)) {
                 return;
             }
             const Account now = after->Explain(request);
             comparison.Add(rules.Compare(old, now));
-            if (wasUnknown && now.answer.outcome == Outcome::unknownUser) {
-                const std::string trimmed = WithoutBlanksAround(name);
-                comparison.AddUnknown({name, trimmed != name && isKnown(request, trimmed) ? trimmed : ""});
+            if (IsUnknown(old) && IsUnknown(now)) {
+                comparison.AddUnknown(UnknownUserOf(request, *before, *after));
             }
             progress.CountOne();
         });

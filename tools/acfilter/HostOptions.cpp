@@ -45,7 +45,7 @@ void ApplyHostOptions(const HostOptions& options)
         setenv("TMR_LOG_FILE", options.logFile->c_str(), replaceExisting);
     }
 
-    ReopenLogOnHangUp();
+    secm::acfilter::ReopenLogOnHangUp();
     try {
         if (CFG_Factory::GetRepositoryServices() == nullptr) {
             throw std::runtime_error("no configuration: the path given to --config is empty");

@@ -26,7 +26,7 @@ struct HostNeeds {
 /// Adds the options to `command`; `options` must live until it has been parsed.
 void AddHostOptions(CLI::App& command, HostOptions& options, HostNeeds needs = {});
 
-/// What is told of std::bad_alloc, behind what was being done.
+/// The message for std::bad_alloc. Put before it what was being done.
 inline constexpr const char* memoryRanOut =
     "memory ran out; raise the limit (ulimit -v, or that of the service or container), or free some on this machine";
 

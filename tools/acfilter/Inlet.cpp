@@ -11,11 +11,11 @@ bool EndsWithEscape(const std::string& text)
 {
     const std::size_t last = text.find_last_not_of('\\');
     const std::size_t backslashes = text.size() - (last == std::string::npos ? 0 : last + 1);
-    return backslashes % 2 == 1; // of two, the first escapes the second
+    return backslashes % 2 == 1; // each pair is an escaped backslash
 }
 
-// Whether the empty text between `before` and `behind` leaves a pattern for any text and nothing else between the
-// quotes or, where none is open, between what belongs to no word: such as '%' and :*.
+// Whether an empty text between `before` and `behind` leaves only a pattern that every text matches, such as '%' or :*.
+// The pattern ends at the quotes or, when no quote is open, at characters that belong to no word.
 bool MatchesEverything(const std::string& before, const std::string& behind, const std::string& quote)
 {
     constexpr std::string_view marks = "%*_?.^$";
@@ -85,8 +85,8 @@ void Inlet::Look(const std::string& text, const std::string& where)
     }
     const std::string filled = isToken ? text : manager.ApplyValuesFunction(text, condition);
     if (filled.empty()) {
-        nothing.Add(where + (isToken ? "" : ", which is '" + text + "'"));
-        isOwnNothing = isOwnNothing || text == ownValue;
+        emptied.Add(where + (isToken ? "" : ", which is '" + text + "'"));
+        isOwnEmptied = isOwnEmptied || text == ownValue;
     }
     if (filled.find_first_of(quotes) != std::string::npos) {
         quoted.Add(where);
@@ -141,20 +141,19 @@ void Inlet::Tell(Report& report) const
                      "write quotes around " + placeholder + " in the template" +
                          (isToken ? "" : " and into value_multiplicity_delimiter") + ", or take it out of them");
     }
-    if (nothing.count != 0) {
-        TellOfNothing(report);
+    if (emptied.count != 0) {
+        TellEmptied(report);
     }
 }
 
-void Inlet::TellOfNothing(Report& report) const
+void Inlet::TellEmptied(Report& report) const
 {
-    const std::string problem =
-        isToken ? "the empty text, for " + placeholder + ", is in " + Counted(nothing)
-                : scope.Text("values_function") + " makes the empty text of what is in " + Counted(nothing);
+    const std::string problem = (isToken ? placeholder + " becomes" : scope.Text("values_function") + " gives") +
+                                " the empty text for " + Counted(emptied);
     const std::string remedy = isToken
                                    ? "write the attribute's value; or delete it, and make the token mandatory"
                                    : std::string("add them to what the values function looks up, or take them away") +
-                                         (isOwnNothing ? "; for %my%, name the users' attribute in my_field" : "");
+                                         (isOwnEmptied ? "; for %my%, name the users' attribute in my_field" : "");
     if (matchesEverything) {
         report.Error("AC049", place, problem,
                      "a pattern that every text matches is all that is left there: the field does not restrict users "

@@ -24,10 +24,10 @@ public:
     void Tell(Report& report) const; ///< One finding for each kind of trouble, however many texts make it.
 
 private:
-    /// A text may come to stand between these two.
+    // Adds a place in the filter where a text may stand, between `before` and `behind`.
     void AddPlace(const std::string& before, const std::string& behind);
     std::string Counted(const Tally& tally) const;
-    void TellOfNothing(Report& report) const;
+    void TellEmptied(Report& report) const;
 
     const CheckedScope scope;
     CheckedManager& manager;
@@ -37,14 +37,14 @@ private:
     std::string placeholder;
     std::string attributeName;
     bool isUsed = false;                 // the template has the placeholder
-    std::string quotes;                  // what may be open around the text in the template
-    bool isUnquoted = false;             // whether no quote may be open there
-    bool matchesEverything = false;      // whether the empty text may
+    std::string quotes;                  // those that are open at one of the places
+    bool isUnquoted = false;             // at one of the places no quote is open
+    bool matchesEverything = false;      // at one of the places the empty text does
     std::vector<std::string> disturbing; // what the module would look for in the text
     Tally quoted;
     Tally disturbed;
     Tally escaping;
     Tally noWord;
-    Tally nothing;
-    bool isOwnNothing = false; // "%my%" among others
+    Tally emptied;             // texts that become empty
+    bool isOwnEmptied = false; // "%my%" is one of them
 };

@@ -7,9 +7,10 @@
 #include <cstdlib>
 #include <thread>
 
+namespace secm::acfilter {
 namespace {
 
-// A handler could not do it: the signal may come while a line is written.
+// Runs in a thread: a signal handler could interrupt the writing of a line.
 void ReopenOnEach(sigset_t hangUp)
 {
     for (int received = 0; sigwait(&hangUp, &received) == 0;) {
@@ -22,7 +23,7 @@ void ReopenOnEach(sigset_t hangUp)
 void ReopenLogOnHangUp()
 {
     static bool isStarted = false;
-    bool (Tmr_LogFile::*reopen)() = &Tmr_LogFile::Reopen; // null when a host's own log lacks it
+    bool (Tmr_LogFile::*reopen)() = &Tmr_LogFile::Reopen; // null: the log is a host's own, without it
     const char* path = std::getenv("TMR_LOG_FILE");
     if (isStarted || path == nullptr || *path == '\0' || reopen == nullptr) {
         return;
@@ -31,6 +32,8 @@ void ReopenLogOnHangUp()
     sigset_t hangUp;
     sigemptyset(&hangUp);
     sigaddset(&hangUp, SIGHUP);
-    pthread_sigmask(SIG_BLOCK, &hangUp, nullptr); // also of the threads that follow, so that only ours takes it
+    pthread_sigmask(SIG_BLOCK, &hangUp, nullptr); // later threads inherit this
     std::thread(ReopenOnEach, hangUp).detach();
 }
+
+} // namespace secm::acfilter

@@ -11,7 +11,7 @@ bool HoldStandardDescriptors()
     bool areHeld = true;
     for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
         if (fcntl(descriptor, F_GETFD) == -1) {
-            // The lowest free number is this one.
+            // open() gives the lowest free number, which is this one.
             areHeld = open("/dev/null", descriptor == STDOUT_FILENO ? O_RDONLY : O_WRONLY) == descriptor && areHeld;
         }
     }

@@ -1,8 +1,9 @@
 #pragma once
 
-/// Opens those of the descriptors 0 to 2 that are closed, so that nothing that is opened later gets their numbers, and
-/// with them what is meant for standard output. Reading standard input and writing standard output fail then; what goes
-/// to standard error is lost. Call it before anything is opened. False when a descriptor cannot be opened.
+/// Opens /dev/null for each of the descriptors 0 to 2 that is closed. Otherwise a file that is opened later would get
+/// its number, and what is written to standard output would go there. Reading such a standard input and writing such a
+/// standard output fail; text for such a standard error is lost. Call it before anything is opened. False when
+/// /dev/null cannot be opened.
 bool HoldStandardDescriptors();
 
 bool OutputIsTerminal();

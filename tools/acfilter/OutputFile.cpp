@@ -7,17 +7,20 @@
 
 #include <cerrno>
 #include <climits>
-#include <cstdlib>
 #include <cstring>
 #include <stdexcept>
 
 namespace {
 
+using secm::platform::Descriptor;
+
 constexpr mode_t forOwner = S_IRUSR | S_IWUSR;
 constexpr const char* accessControlList = "system.posix_acl_access";
 
-// The hidden name of the longest name is no longer than the system lets names be.
+// Keeps the hidden name within the system's limit for names, 255 bytes.
 constexpr std::size_t longestShownName = 200;
+
+constexpr const char* anotherRun = "another run of acfilter writes it; run again when that is done";
 
 std::string PathOf(int descriptor)
 {
@@ -32,7 +35,7 @@ bool IsOpenForWriting(int descriptor)
     return isOpen;
 }
 
-// Whether the open file has the name in the folder.
+// Whether the name in the folder leads to the open file.
 bool HasName(int descriptor, int folder, const std::string& name)
 {
     struct stat file {};
@@ -41,35 +44,15 @@ bool HasName(int descriptor, int folder, const std::string& name)
            file.st_dev == named.st_dev && file.st_ino == named.st_ino;
 }
 
-std::string TemporaryFolder()
-{
-    const char* folder = std::getenv("TMPDIR");
-    return folder != nullptr && *folder != '\0' ? folder : "/tmp";
-}
-
-// Open for reading and writing, and without a name; -1 when there can be none.
-Descriptor UnnamedFile(const std::string& folder)
-{
-    Descriptor unnamed(open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, forOwner));
-    if (unnamed.Get() == -1) {
-        std::string name = folder + "/.acfilter.XXXXXX";
-        unnamed = Descriptor(mkostemp(name.data(), O_CLOEXEC));
-        if (unnamed.Get() != -1) {
-            unlink(name.c_str());
-        }
-    }
-    return unnamed;
-}
-
 } // namespace
 
 OutputFile::OutputFile(const std::optional<std::string>& outputPath) : OutputFile()
 {
     if (outputPath) {
-        place = FindOutputPlace(*outputPath);
+        place = secm::acfilter::FindOutputPlace(*outputPath);
         path = *outputPath;
         Begin();
-    } else if (!IsOpenForWriting(STDOUT_FILENO)) { // which would show only at the end
+    } else if (!IsOpenForWriting(STDOUT_FILENO)) { // otherwise only Finish would notice
         Refuse();
     }
 }
@@ -78,30 +61,41 @@ void OutputFile::Begin()
 {
     hiddenName = "." + place.name.substr(0, longestShownName) + ".acfilter-unfinished";
     RemoveAbandoned();
-    const int folder = place.folder.Get();
-    Descriptor unfinished(openat(folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, forOwner));
-    if (unfinished.Get() == -1) {
-        unfinished = Descriptor(openat(folder, hiddenName.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, forOwner));
-        isHidden = unfinished.Get() != -1;
-    }
-    std::FILE* opened = unfinished.Get() != -1 ? fdopen(unfinished.Get(), "w") : nullptr;
-    if (opened == nullptr) {
-        Refuse();
-    }
-    file = opened;
-    // Until it is closed, the lock tells a file that is being written from one that was left.
-    const bool isLocked = flock(unfinished.Release(), LOCK_EX | LOCK_NB) == 0;
-    if (!isLocked && errno != EWOULDBLOCK) {
-        Refuse();
-    }
-    if (!isLocked || (isHidden && !HasName(fileno(file), folder, hiddenName))) {
-        isHidden = false; // another run took it for one that was left
-        Refuse("another run of acfilter writes it; run again when that is done");
-    }
+    Create();
+    Lock();
     if (place.old && fchown(fileno(file), place.old->st_uid, place.old->st_gid) != 0) {
         Refuse("the new file cannot have the owner and group of the old one (user " +
                std::to_string(place.old->st_uid) + ", group " + std::to_string(place.old->st_gid) +
                "); run as that user, or remove the old file");
+    }
+}
+
+void OutputFile::Create()
+{
+    const int folder = place.folder.Get();
+    Descriptor unfinished(openat(folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, forOwner));
+    if (!unfinished.IsOpen()) {
+        unfinished = Descriptor(openat(folder, hiddenName.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, forOwner));
+        isHidden = unfinished.IsOpen();
+    }
+    std::FILE* opened = unfinished.IsOpen() ? fdopen(unfinished.Get(), "w") : nullptr;
+    if (opened == nullptr) {
+        Refuse();
+    }
+    unfinished.Release();
+    file = opened;
+}
+
+// The lock shows other runs that the file is being written, until it is closed.
+void OutputFile::Lock()
+{
+    const bool isLocked = flock(fileno(file), LOCK_EX | LOCK_NB) == 0;
+    if (!isLocked && errno != EWOULDBLOCK) {
+        Refuse();
+    }
+    if (!isLocked || (isHidden && !HasName(fileno(file), place.folder.Get(), hiddenName))) {
+        isHidden = false; // another run took it for an abandoned file
+        Refuse(anotherRun);
     }
 }
 
@@ -136,7 +130,11 @@ void OutputFile::Finish()
     if (fsync(fileno(file)) != 0) {
         Refuse();
     }
-    PutInPlace();
+    if (place.old) {
+        ReplaceOld();
+    } else {
+        PlaceNew();
+    }
 }
 
 std::string OutputFile::ScratchFolder() const
@@ -144,7 +142,8 @@ std::string OutputFile::ScratchFolder() const
     return place.folderPath;
 }
 
-// A file of the hidden name that nobody writes, and that cannot be anybody's but ours or the old file's owner's.
+// Removes a hidden file that a killed run left. Refuses to remove one that is being written, or that belongs to anybody
+// but us and the old file's owner.
 void OutputFile::RemoveAbandoned() const
 {
     const int folder = place.folder.Get();
@@ -162,9 +161,9 @@ void OutputFile::RemoveAbandoned() const
                "and remove it");
     }
     const Descriptor abandoned(openat(folder, hiddenName.c_str(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (abandoned.Get() == -1 || flock(abandoned.Get(), LOCK_EX | LOCK_NB) != 0) {
-        Refuse(errno == EWOULDBLOCK ? "another run of acfilter writes it; run again when that is done"
-                                    : "'" + hiddenName + "', which a run before left beside it, cannot be removed: " +
+    if (!abandoned.IsOpen() || flock(abandoned.Get(), LOCK_EX | LOCK_NB) != 0) {
+        Refuse(errno == EWOULDBLOCK ? anotherRun
+                                    : "'" + hiddenName + "', which an earlier run left beside it, cannot be removed: " +
                                           std::strerror(errno));
     }
     if (HasName(abandoned.Get(), folder, hiddenName) && unlinkat(folder, hiddenName.c_str(), 0) != 0) {
@@ -172,7 +171,7 @@ void OutputFile::RemoveAbandoned() const
     }
 }
 
-// Nobody may read the new file who could not read the old one.
+// Whoever could not read the old file cannot read the new one.
 void OutputFile::KeepAccess() const
 {
     const std::string old = PathOf(place.folder.Get()) + "/" + place.name;
@@ -186,7 +185,7 @@ void OutputFile::KeepAccess() const
     if (length > 0 && fsetxattr(descriptor, accessControlList, entries.data(), static_cast<std::size_t>(length), 0)) {
         Refuse();
     }
-    if (length <= 0 && fremovexattr(descriptor, accessControlList) != 0 && !hasNone()) { // that the folder gave it
+    if (length <= 0 && fremovexattr(descriptor, accessControlList) != 0 && !hasNone()) { // the folder's default
         Refuse();
     }
     if (fchmod(descriptor, place.old->st_mode & ALLPERMS) != 0) {
@@ -201,24 +200,26 @@ bool OutputFile::LinkAs(const std::string& name) const
                               AT_SYMLINK_FOLLOW)) == 0;
 }
 
-void OutputFile::PutInPlace()
+void OutputFile::PlaceNew()
 {
     const int folder = place.folder.Get();
-    if (!place.old) {
-        bool isThere = LinkAs(place.name);
-        if (!isThere && isHidden && errno != EEXIST) { // there are no hard links
-            isThere = renameat2(folder, hiddenName.c_str(), folder, place.name.c_str(), RENAME_NOREPLACE) == 0;
-            isHidden = !isThere;
-        }
-        if (!isThere && errno == EEXIST) {
-            Refuse("there was no such file, but there is one now, which stays; see whose it is, and run again to "
-                   "replace it");
-        }
-        if (!isThere) {
-            Refuse();
-        }
-        return;
+    bool isPlaced = LinkAs(place.name);
+    if (!isPlaced && isHidden && errno != EEXIST) { // the file system has no hard links
+        isPlaced = renameat2(folder, hiddenName.c_str(), folder, place.name.c_str(), RENAME_NOREPLACE) == 0;
+        isHidden = !isPlaced;
     }
+    if (!isPlaced && errno == EEXIST) {
+        Refuse("there was no such file, but there is one now, which stays; see whose it is, and run again to "
+               "replace it");
+    }
+    if (!isPlaced) {
+        Refuse();
+    }
+}
+
+void OutputFile::ReplaceOld()
+{
+    const int folder = place.folder.Get();
     if (!isHidden) {
         RemoveAbandoned();
         if (!LinkAs(hiddenName)) {
@@ -240,39 +241,4 @@ void OutputFile::Refuse() const
 void OutputFile::Refuse(const std::string& why) const
 {
     throw std::runtime_error((path.empty() ? "standard output" : path) + " cannot be written: " + why);
-}
-
-Spool::Spool(const std::string& folder) : place(folder.empty() ? TemporaryFolder() : folder)
-{
-    const Descriptor unnamed = UnnamedFile(place);
-    if (unnamed.Get() == -1) {
-        Refuse("written");
-    }
-    file.open(PathOf(unnamed.Get()), std::ios::in | std::ios::out | std::ios::binary);
-}
-
-void Spool::Write(std::string_view lines)
-{
-    if (!file.write(lines.data(), static_cast<std::streamsize>(lines.size()))) {
-        Refuse("written");
-    }
-}
-
-void Spool::ForEachLine(const std::function<void(const std::string&)>& handle)
-{
-    if (!file.seekg(0)) { // which writes out what is left
-        Refuse("written");
-    }
-    for (std::string line; std::getline(file, line);) {
-        handle(line);
-    }
-    if (file.bad()) {
-        Refuse("read");
-    }
-}
-
-void Spool::Refuse(const char* what) const
-{
-    throw std::runtime_error("a temporary file in '" + place + "' cannot be " + what + ": " + std::strerror(errno) +
-                             "; make room there, or set TMPDIR to another folder");
 }

@@ -14,16 +14,18 @@
 #include <utility>
 #include <vector>
 
+namespace secm::acfilter {
 namespace {
 
 namespace fs = std::filesystem;
+using platform::Descriptor;
 
-// As many as the system itself follows.
+// The kernel's own limit.
 constexpr int mostLinks = 40;
 
-class OutputWalk {
+class PathResolution {
 public:
-    explicit OutputWalk(const std::string& outputPath) : path(outputPath)
+    explicit PathResolution(const std::string& outputPath) : path(outputPath)
     {
         Enter(".");
         Push(path);
@@ -65,20 +67,20 @@ private:
     void Push(const fs::path& further)
     {
         std::vector<std::string> parts(further.begin(), further.end());
-        std::replace(parts.begin(), parts.end(), std::string(), std::string(".")); // behind a slash at the end
+        std::replace(parts.begin(), parts.end(), std::string(), std::string(".")); // after a final slash
         pending.insert(pending.end(), parts.rbegin(), parts.rend());
     }
 
     void Enter(const std::string& folder)
     {
         constexpr int forNames = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-        const int from = place.folder.Get() == -1 ? AT_FDCWD : place.folder.Get();
+        const int from = place.folder.IsOpen() ? place.folder.Get() : AT_FDCWD;
         Descriptor entered(openat(from, folder.c_str(), forNames));
         struct statfs system {};
-        if (entered.Get() == -1 || fstatfs(entered.Get(), &system) != 0) {
+        if (!entered.IsOpen() || fstatfs(entered.Get(), &system) != 0) {
             Refuse();
         }
-        // What is there leads to what is open already, which replacing it would not write to.
+        // A name in /proc/self/fd stands for an open file. Replacing the name would not write to that file.
         if (system.f_type == PROC_SUPER_MAGIC) {
             throw std::runtime_error("--output '" + path +
                                      "' leads into /proc; name a file, or leave the option out to write to standard "
@@ -88,7 +90,7 @@ private:
         place.folderPath = (fs::path(place.folderPath) / folder).string();
     }
 
-    // Whatever the system's own setting (fs.protected_symlinks, fs.protected_regular) is.
+    // The rule of the kernel's fs.protected_symlinks and fs.protected_regular, which may be switched off.
     void RequireTrusted(const struct stat& found) const
     {
         struct stat folder {};
@@ -119,30 +121,14 @@ private:
 
     const std::string& path;
     OutputPlace place;
-    std::vector<std::string> pending; // the parts of the path that are still to go, the next one last
+    std::vector<std::string> pending; // parts of the path that are not resolved yet, the next one last
 };
 
 } // namespace
 
-Descriptor::~Descriptor()
-{
-    if (descriptor != -1) {
-        close(descriptor);
-    }
-}
-
-Descriptor& Descriptor::operator=(Descriptor&& other) noexcept
-{
-    std::swap(descriptor, other.descriptor);
-    return *this;
-}
-
-int Descriptor::Release()
-{
-    return std::exchange(descriptor, -1);
-}
-
 OutputPlace FindOutputPlace(const std::string& path)
 {
-    return OutputWalk(path).Find();
+    return PathResolution(path).Find();
 }
+
+} // namespace secm::acfilter

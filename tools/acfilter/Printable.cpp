@@ -4,15 +4,15 @@
 
 namespace {
 
-// In the range that the first byte of a character leaves to the second.
+// Whether `second` may follow `first` in UTF-8.
 bool IsSecond(unsigned first, unsigned second)
 {
-    const unsigned lowest = first == 0xe0 ? 0xa0 : first == 0xf0 ? 0x90 : 0x80;  // below are longer forms of others
-    const unsigned highest = first == 0xed ? 0x9f : first == 0xf4 ? 0x8f : 0xbf; // above are surrogates, or nothing
+    const unsigned lowest = first == 0xe0 ? 0xa0 : first == 0xf0 ? 0x90 : 0x80;  // below: overlong forms
+    const unsigned highest = first == 0xed ? 0x9f : first == 0xf4 ? 0x8f : 0xbf; // above: surrogates, or beyond Unicode
     return second >= lowest && second <= highest;
 }
 
-// Of the whole character that `text` begins with in UTF-8; 0 when it begins with none.
+// The length in bytes of the UTF-8 character that `text` begins with; 0 when it begins with none.
 std::size_t CharacterLength(std::string_view text)
 {
     const auto byte = [text](std::size_t index) {

@@ -72,7 +72,7 @@ void Report(const ReportOptions& options)
     ExplainingManager manager(options.host.repository);
     Connect(manager, options.host);
     if (options.output) {
-        RequireNoInput(*options.output, options.host, options.usersFrom);
+        secm::acfilter::RequireNoInput(*options.output, options.host, options.usersFrom);
     }
     OutputFile output(options.output);
 
@@ -92,8 +92,8 @@ void Report(const ReportOptions& options)
             ForEachUserOfDatabase(options.host.securityDatabase, options.host.timeoutSeconds, addRow);
         }
         if (progress.Count() == 0) {
-            throw std::runtime_error("the security database holds no user, so there is nothing to report; see what "
-                                     "--security names");
+            throw std::runtime_error("the security database holds no user, so there is nothing to report; check the "
+                                     "option --security");
         }
     }
     writer->Finish();

@@ -10,15 +10,15 @@
 
 namespace {
 
-// What stands at the start of `text` and spreadsheets pass over, or take for the end of the cell before.
-std::string_view WithoutPassedOver(std::string_view text)
+// `text` without the leading characters that a spreadsheet skips or takes for the end of the cell before.
+std::string_view WithoutSkipped(std::string_view text)
 {
-    constexpr std::array<std::string_view, 12> passedOver = {" ", "\t", "\r", "\n", "\v",       "\f",
-                                                             ",", ";",  "|",  "\"", "\xc2\xa0", "\xe3\x80\x80"};
-    for (auto next = passedOver.begin(); next != passedOver.end();) {
+    constexpr std::array<std::string_view, 12> skipped = {" ", "\t", "\r", "\n", "\v",       "\f",
+                                                          ",", ";",  "|",  "\"", "\xc2\xa0", "\xe3\x80\x80"};
+    for (auto next = skipped.begin(); next != skipped.end();) {
         if (text.starts_with(*next)) {
             text.remove_prefix(next->size());
-            next = passedOver.begin();
+            next = skipped.begin();
         } else {
             ++next;
         }
@@ -26,12 +26,12 @@ std::string_view WithoutPassedOver(std::string_view text)
     return text;
 }
 
-// Also the full-width forms.
+// Whether a spreadsheet could take `text` for a formula. Full-width signs count too.
 bool MayBeFormula(std::string_view text)
 {
     constexpr std::array<std::string_view, 8> beginnings = {
         "=", "+", "-", "@", "\xef\xbc\x9d", "\xef\xbc\x8b", "\xef\xbc\x8d", "\xef\xbc\xa0"};
-    const std::string_view rest = WithoutPassedOver(text);
+    const std::string_view rest = WithoutSkipped(text);
     return text.starts_with('\t') || text.starts_with('\r') ||
            std::any_of(beginnings.begin(), beginnings.end(),
                        [rest](std::string_view beginning) { return rest.starts_with(beginning); });

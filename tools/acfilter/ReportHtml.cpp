@@ -6,6 +6,7 @@
 #include "ReportPage.h"
 #include "tools/acfilter/Explanation.h"
 #include "tools/acfilter/Printable.h"
+#include "tools/acfilter/Spool.h"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include "tools/acfilter/Explanation.h"
 #include "tools/acfilter/Printable.h"
 #include "tools/acfilter/Shortening.h"
+#include "tools/acfilter/Spool.h"
 
 #include <algorithm>
 

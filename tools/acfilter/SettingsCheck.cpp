@@ -5,8 +5,8 @@
 
 namespace {
 
-// What an engine takes for no filter: blanks, in whatever form, and comments.
-bool SaysNothing(std::string_view filter)
+// Whether the filter holds nothing but blanks (Unicode's too) and comments, so that an engine takes it for no filter.
+bool IsBlank(std::string_view filter)
 {
     while (!filter.empty()) {
         std::size_t length = 0;
@@ -27,13 +27,14 @@ bool SaysNothing(std::string_view filter)
     return true;
 }
 
-// What is wrong with the setting `key` that says nothing.
+// What is wrong with the blank setting `key`.
 std::string Lack(const CheckedRepository& repository, const std::string& key, const std::string& filter)
 {
     return filter.empty() ? repository.table.Lack(key) : key + " holds nothing but blanks or a comment";
 }
 
-std::string NoFilter(const std::string& filter)
+// What users get when the filter is blank.
+std::string BlankFilter(const std::string& filter)
 {
     return filter.empty() ? "the empty filter" : "a filter that restricts nothing";
 }
@@ -41,10 +42,10 @@ std::string NoFilter(const std::string& filter)
 void NothingIsHidden(const CheckedRepository& repository, Report& report)
 {
     const std::string& filter = repository.manager->hideAllFilter;
-    if (SaysNothing(filter)) {
+    if (IsBlank(filter)) {
         report.Error("AC001", repository.table.PlaceOf("hide_all_filter"), Lack(repository, "hide_all_filter", filter),
                      "users for whom a restriction cannot be written, such as those whom nobody granted a value, get " +
-                         NoFilter(filter) +
+                         BlankFilter(filter) +
                          " and see every record; so does everybody while there is no security manager",
                      "write a filter that no record matches, such as hide_all_filter = \"1 = 0\"");
     }
@@ -53,7 +54,7 @@ void NothingIsHidden(const CheckedRepository& repository, Report& report)
 void HiddenLikeUnknown(const CheckedRepository& repository, Report& report)
 {
     const CheckedManager& manager = *repository.manager;
-    if (!SaysNothing(manager.hideAllFilter) && manager.hideAllFilter == manager.defaultFilter) {
+    if (!IsBlank(manager.hideAllFilter) && manager.hideAllFilter == manager.defaultFilter) {
         report.Error("AC002", repository.table.PlaceOf("hide_all_filter"),
                      "hide_all_filter and default_filter are both '" + manager.hideAllFilter + "'",
                      "users for whom a restriction cannot be written see what unknown users see, and nobody can tell "
@@ -148,9 +149,10 @@ void ClausesRunTogether(const CheckedRepository& repository, Report& report)
 void StrangersSeeEverything(const CheckedRepository& repository, Report& report)
 {
     const std::string& filter = repository.manager->defaultFilter;
-    if (SaysNothing(filter)) {
+    if (IsBlank(filter)) {
         report.Warn("AC033", repository.table.PlaceOf("default_filter"), Lack(repository, "default_filter", filter),
-                    "users whom the security database does not know get " + NoFilter(filter) + " and see every record",
+                    "users whom the security database does not know get " + BlankFilter(filter) +
+                        " and see every record",
                     "write what such users may see, such as default_filter = \"0 = 1\" for nothing");
     }
 }

@@ -17,7 +17,7 @@ void RequireUsersFrom(const std::optional<std::string>& path)
     if (path && path->empty()) {
         throw std::runtime_error("the path given to --users-from is empty");
     }
-    if (path == "-" && (fcntl(STDIN_FILENO, F_GETFL) & O_ACCMODE) == O_WRONLY) { // as it is when it was closed
+    if (path == "-" && (fcntl(STDIN_FILENO, F_GETFL) & O_ACCMODE) == O_WRONLY) { // closed at the start
         throw std::runtime_error(std::string("standard input: cannot be read: ") + std::strerror(EBADF));
     }
 }

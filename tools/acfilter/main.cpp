@@ -27,6 +27,16 @@ std::string Message(const std::string& text)
     return "acfilter: " + Printable(text) + "\n";
 }
 
+// What --help or --version asks for.
+void PrintAnswer(const CLI::App& app, const CLI::Success& request)
+{
+    std::ostringstream answer;
+    app.exit(request, answer);
+    OutputFile output(std::nullopt);
+    output.Write(answer.str());
+    output.Finish();
+}
+
 int Run(int argc, char** argv)
 {
     CLI::App app("Access-control filters, user by user", "acfilter");
@@ -50,12 +60,8 @@ int Run(int argc, char** argv)
     }
     try {
         app.parse(MarkedArguments(app, argc, argv));
-    } catch (const CLI::Success& request) { // --help, --version
-        std::ostringstream answer;
-        app.exit(request, answer);
-        OutputFile output(std::nullopt);
-        output.Write(answer.str());
-        output.Finish();
+    } catch (const CLI::Success& request) {
+        PrintAnswer(app, request);
     } catch (const CLI::ParseError& error) {
         app.exit(error);
         return wrongCommandLine;
@@ -73,7 +79,7 @@ int main(int argc, char** argv)
     }
     try {
         return Run(argc, argv);
-    } catch (const std::bad_alloc&) { // so nothing here asks for memory
+    } catch (const std::bad_alloc&) { // nothing here may allocate
         std::fflush(stdout);
         std::fprintf(stderr, "acfilter: %s: %s\n", argc > 1 && argv[1][0] != '-' ? argv[1] : "command line",
                      memoryRanOut);
