@@ -10,8 +10,9 @@ namespace secm::platform {
 /// Closes its descriptor when it goes.
 class Descriptor {
 public:
+    Descriptor() = default;
     /// Takes ownership of `openDescriptor`; -1: none.
-    explicit Descriptor(int openDescriptor = -1) : descriptor(openDescriptor) {}
+    explicit Descriptor(int openDescriptor) : descriptor(openDescriptor) {}
     ~Descriptor()
     {
         if (IsOpen()) {
@@ -32,7 +33,7 @@ public:
     int Release() { return std::exchange(descriptor, -1); }
 
 private:
-    int descriptor;
+    int descriptor = -1;
 };
 
 } // namespace secm::platform

@@ -13,7 +13,9 @@
 
 namespace {
 
-constexpr int closed = -1;
+using secm::platform::Descriptor;
+
+constexpr std::size_t noLimit = -1;
 
 sockaddr_in LoopbackAddress(unsigned short port)
 {
@@ -29,23 +31,16 @@ int Require(int result, const char* step)
     return result >= 0 ? result : throw std::system_error(errno, std::generic_category(), step);
 }
 
-void Close(int& descriptor)
-{
-    if (descriptor != closed) {
-        close(std::exchange(descriptor, closed));
-    }
-}
-
-// False at the end of what `from` sends. What the receiver no longer wants is dropped.
-bool Pass(int from, int to, std::size_t limit, unsigned long& passed)
+// Passes on what there is, at most `limit` bytes. Returns how many; 0: `from` sends no more. What a closed receiver
+// would get is dropped.
+std::size_t Pass(const Descriptor& from, const Descriptor& to, std::size_t limit)
 {
     std::array<char, 4096> buffer;
-    const ssize_t size = recv(from, buffer.data(), std::min(limit, buffer.size()), 0);
-    if (size > 0 && to != closed) {
-        static_cast<void>(send(to, buffer.data(), static_cast<std::size_t>(size), MSG_NOSIGNAL));
-        passed += static_cast<unsigned long>(size);
+    const ssize_t size = std::max<ssize_t>(recv(from.Get(), buffer.data(), std::min(limit, buffer.size()), 0), 0);
+    if (to.IsOpen()) {
+        static_cast<void>(send(to.Get(), buffer.data(), static_cast<std::size_t>(size), MSG_NOSIGNAL));
     }
-    return size > 0;
+    return static_cast<std::size_t>(size);
 }
 
 } // namespace
@@ -57,28 +52,19 @@ CuttingProxy::CuttingProxy(unsigned short serverOfClient, Cut whichCut)
     sockaddr_in address = LoopbackAddress(0);
     socklen_t size = sizeof address;
     auto* general = reinterpret_cast<sockaddr*>(&address);
-    Require(bind(listener, general, size), "bind");
-    Require(listen(listener, 8), "listen");
-    Require(getsockname(listener, general, &size), "getsockname");
+    Require(bind(listener.Get(), general, size), "bind");
+    Require(listen(listener.Get(), 8), "listen");
+    Require(getsockname(listener.Get(), general, &size), "getsockname");
     port = ntohs(address.sin_port);
-}
-
-CuttingProxy::~CuttingProxy()
-{
-    for (Connection& connection : connections) {
-        Close(connection.client);
-        Close(connection.server);
-    }
-    Close(listener);
 }
 
 void CuttingProxy::Serve(int clientLife)
 {
     while (true) {
-        std::vector<pollfd> watched = {{clientLife, 0, 0}, {listener, POLLIN, 0}};
+        std::vector<pollfd> watched = {{clientLife, 0, 0}, {listener.Get(), POLLIN, 0}};
         for (const Connection& connection : connections) {
-            watched.push_back({connection.client, POLLIN, 0}); // poll passes over what is closed
-            watched.push_back({connection.server, POLLIN, 0});
+            watched.push_back({connection.client.Get(), POLLIN, 0}); // poll() skips -1
+            watched.push_back({connection.server.Get(), POLLIN, 0});
         }
         Require(poll(watched.data(), watched.size(), -1), "poll");
         if (watched[0].revents != 0) {
@@ -86,10 +72,10 @@ void CuttingProxy::Serve(int clientLife)
         }
         for (std::size_t i = 2; i < watched.size(); i += 2) {
             Connection& connection = connections[i / 2 - 1];
-            if (watched[i].revents != 0) {
-                PassRequest(connection);
+            if (watched[i].revents != 0 && Pass(connection.client, connection.server, noLimit) == 0) {
+                connection = {};
             }
-            if (watched[i + 1].revents != 0 && connection.server != closed) {
+            if (watched[i + 1].revents != 0 && connection.server.IsOpen()) {
                 PassReply(connection);
             }
         }
@@ -101,47 +87,40 @@ void CuttingProxy::Serve(int clientLife)
 
 void CuttingProxy::Accept()
 {
-    Connection connection = {Require(accept(listener, nullptr, nullptr), "accept"), closed};
+    Connection connection = {Descriptor(Require(accept(listener.Get(), nullptr, nullptr), "accept")), Descriptor()};
     if (!hasCut || !cut.isLasting) {
         const sockaddr_in address = LoopbackAddress(serverPort);
-        connection.server = Require(socket(AF_INET, SOCK_STREAM, 0), "socket");
-        Require(connect(connection.server, reinterpret_cast<const sockaddr*>(&address), sizeof address), "connect");
+        connection.server = Descriptor(Require(socket(AF_INET, SOCK_STREAM, 0), "socket"));
+        Require(connect(connection.server.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
+                "connect");
     } else {
         EndReplies(connection);
     }
-    connections.push_back(connection);
-}
-
-void CuttingProxy::PassRequest(Connection& connection)
-{
-    unsigned long unused = 0;
-    if (!Pass(connection.client, connection.server, std::size_t(-1), unused)) {
-        Close(connection.client);
-        Close(connection.server);
-    }
+    connections.push_back(std::move(connection));
 }
 
 void CuttingProxy::PassReply(Connection& connection)
 {
-    const std::size_t limit = hasCut ? std::size_t(-1) : cut.byte - passed;
+    const std::size_t limit = hasCut ? noLimit : cut.byte - passed;
     if (limit == 0) {
         hasCut = true;
         EndReplies(connection);
-    } else if (!Pass(connection.server, connection.client, limit, passed)) {
-        Close(connection.client);
-        Close(connection.server);
+    } else if (const std::size_t size = Pass(connection.server, connection.client, limit)) {
+        passed += size;
+    } else {
+        connection = {};
     }
 }
 
-// With FIN, the client's side stays open for what it still sends: closing it with bytes unread would send RST.
+// After FIN, the client's side stays open for what it still sends: closing it with unread bytes would send RST.
 void CuttingProxy::EndReplies(Connection& connection)
 {
-    Close(connection.server);
+    connection.server = Descriptor();
     if (cut.end == End::reset) {
         const linger atOnce = {1, 0};
-        setsockopt(connection.client, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
-        Close(connection.client);
+        setsockopt(connection.client.Get(), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+        connection.client = Descriptor();
     } else if (cut.end == End::closed) {
-        shutdown(connection.client, SHUT_WR);
+        shutdown(connection.client.Get(), SHUT_WR);
     }
 }

@@ -1,24 +1,23 @@
 #pragma once
 
+#include "platform/Descriptor.h"
+
 #include <vector>
 
-/// Stands between a client and a server on 127.0.0.1 and ends a connection after so many bytes of the server's replies,
-/// counted over all connections. One thread uses it.
+/// Stands between a client and a server on 127.0.0.1 and ends a connection after a number of reply bytes, counted over
+/// all connections. One thread uses it.
 class CuttingProxy {
 public:
-    enum class End { closed, reset, stalled }; // the client gets FIN, RST, nothing any more
+    enum class End { closed, reset, stalled }; // the client gets FIN, RST, or nothing more
 
     struct Cut {
-        unsigned long byte; ///< So many are passed on.
+        unsigned long byte; ///< This many reply bytes are passed on.
         End end;
-        bool isLasting; ///< Connections after the cut end before their first byte; otherwise they are served.
+        bool isLasting; ///< Later connections end before their first byte; otherwise they are served.
     };
 
     /// Listens on a free port. Throws std::system_error.
     CuttingProxy(unsigned short serverPort, Cut cut);
-    CuttingProxy(const CuttingProxy&) = delete;
-    CuttingProxy& operator=(const CuttingProxy&) = delete;
-    ~CuttingProxy();
 
     unsigned short Port() const { return port; }
 
@@ -31,18 +30,17 @@ public:
 
 private:
     struct Connection {
-        int client;
-        int server; // -1 after the cut
+        secm::platform::Descriptor client;
+        secm::platform::Descriptor server; // none after the cut
     };
 
     void Accept();
-    void PassRequest(Connection& connection);
     void PassReply(Connection& connection);
     void EndReplies(Connection& connection);
 
     const unsigned short serverPort;
     const Cut cut;
-    int listener;
+    secm::platform::Descriptor listener;
     unsigned short port = 0;
     std::vector<Connection> connections;
     unsigned long passed = 0;

@@ -1,4 +1,4 @@
-// The program's own malloc takes the place of the C library's in all libraries that the program loads.
+// Defines malloc, calloc and realloc, which replace the C library's in all libraries that the program loads.
 #include "tests/faults/FailingMalloc.h"
 
 #include <execinfo.h>
@@ -12,7 +12,7 @@
 #include <string_view>
 #include <unordered_set>
 
-// The C library's own, under the names that it exports for such programs.
+// The C library's own functions.
 extern "C" void* __libc_malloc(std::size_t size);
 extern "C" void* __libc_calloc(std::size_t count, std::size_t size);
 extern "C" void* __libc_realloc(void* memory, std::size_t size);
@@ -21,10 +21,10 @@ namespace {
 
 std::atomic<unsigned long> calls = 0;
 std::atomic<unsigned long> firstFailure = 0;
-std::atomic<bool> goesOn = false;
+std::atomic<unsigned long> lastFailure = 0;
 
 std::atomic<bool> printsPlaces = false;
-thread_local bool isPrinting = false; // which allocates too
+thread_local bool isPrinting = false; // printing allocates too
 
 void PrintWhenNew(unsigned long call)
 {
@@ -50,7 +50,7 @@ bool MustFail()
     if (printsPlaces) {
         PrintWhenNew(call);
     }
-    const bool mustFail = firstFailure != 0 && (goesOn ? call >= firstFailure : call == firstFailure);
+    const bool mustFail = call >= firstFailure && call <= lastFailure;
     if (mustFail) {
         errno = ENOMEM;
     }
@@ -61,10 +61,10 @@ bool MustFail()
 
 void FailMalloc(unsigned long first, bool isLasting)
 {
-    firstFailure = 0; // while the other two change
+    lastFailure = 0; // none fails while the others change
     calls = 0;
-    goesOn = isLasting;
     firstFailure = first;
+    lastFailure = isLasting && first != 0 ? ~0UL : first;
 }
 
 unsigned long MallocCalls()

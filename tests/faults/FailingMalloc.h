@@ -1,11 +1,11 @@
 #pragma once
 
-/// Makes malloc, calloc and realloc return null, for every thread and library of the process: the `first`-th call from
-/// now on, and with `isLasting` all calls after it. 0: none.
+/// Makes one call of malloc, calloc or realloc return null, in any thread or library of the process: the `first`-th
+/// from now on, with `isLasting` all later ones too. 0: none fails.
 void FailMalloc(unsigned long first, bool isLasting);
 
 /// Calls since FailMalloc.
 unsigned long MallocCalls();
 
-/// Prints the number of each call from now on whose stack no call before it had.
+/// From now on, prints the number of each call whose stack is new.
 void PrintMallocPlaces();

@@ -2,6 +2,7 @@
 
 #include "tests/faults/CuttingProxy.h"
 #include "tests/faults/FailingMalloc.h"
+#include "tests/faults/Requests.h"
 
 #include <execinfo.h>
 #include <sys/mman.h>
@@ -11,14 +12,16 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <stdexcept>
-#include <utility>
 
 namespace {
 
-constexpr unsigned hangSeconds = 15; // the time limits of the requests end them before
+using secm::platform::Descriptor;
+
+constexpr unsigned hangSeconds = 15; // longer than the time limits of the requests
 
 const std::map<std::string, CuttingProxy::End> ends = {{"closed", CuttingProxy::End::closed},
                                                        {"reset", CuttingProxy::End::reset},
@@ -32,7 +35,7 @@ int Require(int result, const char* step)
 void PrintStack(int number)
 {
     std::signal(number, SIG_DFL);
-    alarm(2); // this may hang too
+    alarm(2); // printing may hang too
     std::array<void*, 64> frames;
     backtrace_symbols_fd(frames.data(), backtrace(frames.data(), frames.size()), STDERR_FILENO);
     std::raise(number);
@@ -44,12 +47,41 @@ unsigned short PortOf(const std::string& connection)
     return static_cast<unsigned short>(std::stoul(connection.substr(connection.find(key) + key.size())));
 }
 
-std::string Take(int descriptor)
+Descriptor FileInMemory()
 {
-    std::string content(static_cast<std::size_t>(lseek(descriptor, 0, SEEK_END)), '\0');
-    Require(static_cast<int>(pread(descriptor, content.data(), content.size(), 0)), "reading what a process said");
-    close(descriptor);
+    return Descriptor(Require(memfd_create("fault", 0), "memfd_create"));
+}
+
+std::string Content(const Descriptor& file)
+{
+    std::string content(static_cast<std::size_t>(lseek(file.Get(), 0, SEEK_END)), '\0');
+    Require(static_cast<int>(pread(file.Get(), content.data(), content.size(), 0)), "pread");
     return content;
+}
+
+// Writes the number of calls of malloc to `counted`.
+[[noreturn]] void Request(const std::string& text, const std::string& road, const Fault& fault, int counted)
+{
+    WatchForCrashes();
+    FailMalloc(fault.kind == "memory" ? fault.number : 0, fault.isLasting);
+    const Result result = MakeRequests(text, road);
+    dprintf(counted, "%lu", MallocCalls());
+    _exit(static_cast<int>(result));
+}
+
+// Writes the system calls that it makes fail to `trace`.
+[[noreturn]] void Trace(const std::string& text, const std::string& road, const Fault& fault, int trace)
+{
+    const std::string call = "trace=" + fault.kind.substr(0, fault.kind.find(':'));
+    const std::string inject =
+        "inject=" + fault.kind + ":when=" + std::to_string(fault.number) + (fault.isLasting ? "+" : "");
+    const std::string output = "/proc/self/fd/" + std::to_string(trace);
+    const std::string program = std::filesystem::read_symlink("/proc/self/exe");
+    alarm(2 * hangSeconds);
+    execlp("strace", "strace", "-f", "--seccomp-bpf", "-o", output.c_str(), "-e", call.c_str(), "-e", inject.c_str(),
+           program.c_str(), text.c_str(), road.c_str(), "requests", nullptr);
+    std::perror("strace");
+    _exit(127);
 }
 
 } // namespace
@@ -57,7 +89,7 @@ std::string Take(int descriptor)
 void WatchForCrashes()
 {
     std::array<void*, 1> frame;
-    backtrace(frame.data(), frame.size()); // loads what it needs
+    backtrace(frame.data(), frame.size()); // the first call loads a library
     for (const int number : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGALRM}) {
         struct sigaction action = {};
         action.sa_handler = PrintStack;
@@ -67,14 +99,7 @@ void WatchForCrashes()
     alarm(hangSeconds);
 }
 
-FaultPlayer::FaultPlayer(std::string connectionText, std::string roadName)
-    : connection(std::move(connectionText)), road(std::move(roadName))
-{
-    void* shared = mmap(nullptr, sizeof *mallocCalls, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    mallocCalls = shared != MAP_FAILED ? static_cast<unsigned long*>(shared) : throw std::bad_alloc();
-}
-
-Outcome FaultPlayer::Play(const Fault& fault)
+Outcome PlayFault(const std::string& connection, const std::string& road, const Fault& fault)
 {
     std::optional<CuttingProxy> proxy;
     std::string text = connection;
@@ -82,59 +107,34 @@ Outcome FaultPlayer::Play(const Fault& fault)
         proxy.emplace(PortOf(text), CuttingProxy::Cut{fault.number, end->second, fault.isLasting});
         text += " port=" + std::to_string(proxy->Port());
     }
-    const int said = Require(memfd_create("said", 0), "memfd_create");
-    const int trace = Require(memfd_create("trace", 0), "memfd_create");
+    const Descriptor said = FileInMemory();
+    const Descriptor noted = FileInMemory();
     std::array<int, 2> life;
     Require(pipe(life.data()), "pipe");
-    *mallocCalls = 0;
+    const Descriptor childLife(life[0]);
     const pid_t child = Require(fork(), "fork");
     if (child == 0) {
-        close(life[0]);
-        dup2(said, STDERR_FILENO);
+        dup2(said.Get(), STDERR_FILENO);
         if (proxy || fault.kind == "memory") {
-            _exit(static_cast<int>(Request(text, fault)));
+            Request(text, road, fault, noted.Get());
         }
-        Trace(text, fault, trace);
+        Trace(text, road, fault, noted.Get());
     }
     close(life[1]);
     if (proxy) {
-        proxy->Serve(life[0]);
+        proxy->Serve(childLife.Get());
     }
     Outcome outcome = {};
     waitpid(child, &outcome.status, 0);
-    close(life[0]);
-    outcome.said = Take(said);
-    const std::string traced = Take(trace);
+    outcome.said = Content(said);
     if (proxy) {
         outcome.count = proxy->PassedBytes();
         outcome.wasInjected = proxy->HasCut();
     } else if (fault.kind == "memory") {
-        outcome.count = *mallocCalls; // none of a process that crashed
+        outcome.count = std::stoul("0" + Content(noted)); // 0 after a crash
         outcome.wasInjected = outcome.count == 0 || fault.number <= outcome.count;
     } else {
-        outcome.wasInjected = traced.find("(INJECTED)") != std::string::npos;
+        outcome.wasInjected = Content(noted).find("(INJECTED)") != std::string::npos;
     }
     return outcome;
-}
-
-Result FaultPlayer::Request(const std::string& text, const Fault& fault)
-{
-    WatchForCrashes();
-    FailMalloc(fault.kind == "memory" ? fault.number : 0, fault.isLasting);
-    const Result result = MakeRequests(text, road);
-    *mallocCalls = MallocCalls();
-    return result;
-}
-
-void FaultPlayer::Trace(const std::string& text, const Fault& fault, int trace)
-{
-    const std::string call = "trace=" + fault.kind.substr(0, fault.kind.find(':'));
-    const std::string inject =
-        "inject=" + fault.kind + ":when=" + std::to_string(fault.number) + (fault.isLasting ? "+" : "");
-    const std::string output = "/proc/self/fd/" + std::to_string(trace);
-    alarm(2 * hangSeconds);
-    execlp("strace", "strace", "-f", "--seccomp-bpf", "-o", output.c_str(), "-e", call.c_str(), "-e", inject.c_str(),
-           program.c_str(), text.c_str(), road.c_str(), "requests", nullptr);
-    std::perror("strace");
-    _exit(127);
 }

@@ -10,7 +10,7 @@ namespace {
 
 constexpr unsigned timeoutSeconds = 1;
 
-// Each would see more when something of it were lost: the attribute, one of two fields, the permission that hides all.
+// Each of these users would see more if a part were lost: an attribute, one of two fields, or the restriction itself.
 constexpr struct {
     const char* user;
     const char* filter;
@@ -45,7 +45,7 @@ try {
                 std::fprintf(stderr, "wrong: the filter of %s is '%s'\n", user, filter.c_str());
                 return Result::wrong;
             }
-        } catch (const std::exception& error) { // the next one must be right again, or refused
+        } catch (const std::exception& error) { // the next request must be right or refused too
             result = Refused(error.what());
         }
     }

@@ -1,5 +1,5 @@
-// Plays faults on the requests of a host: a system call that fails, memory that runs out, a server's reply that ends
-// too early. Every answer must be right or refused. run.sh calls it.
+// Plays faults on the requests of a host: a system call fails, memory runs out, or a server's reply ends too early.
+// Every answer must be right or refused. run.sh calls it, in the folder of the repository.
 //
 // Usage: faults CONNECTION ROAD requests
 //            makes the requests once, for strace
@@ -7,19 +7,17 @@
 //            prints how many faults of the kind memory or closed there can be
 //        faults CONNECTION ROAD places
 //            prints the numbers of the faults of the kind memory, one for each place that allocates
-//        faults CONNECTION ROAD play SECONDS AGAIN KNOWN <FAULTS
-//            plays faults for so many seconds (0: all)
+//        faults CONNECTION ROAD play SECONDS <FAULTS
+//            plays faults for this time (0: all)
 //
-// FAULTS: one a line, KIND N for the N-th, KIND N+ for the N-th and all after it; see FaultPlayer.h for the kinds.
-// AGAIN: the command that plays a fault again, which is put after it.
-// KNOWN: the file of known failures.
+// FAULTS: one a line. KIND N is the N-th, KIND N+ the N-th and all later ones; see FaultPlayer.h for the kinds.
 #include "tests/faults/FailingMalloc.h"
 #include "tests/faults/FaultPlayer.h"
+#include "tests/faults/Requests.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstring>
@@ -31,25 +29,25 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace {
 
-// Lines "REASON | REGULAR EXPRESSION of the whole failure".
-std::vector<std::regex> KnownFailures(const std::string& file)
+// known.txt has lines "REASON | REGULAR EXPRESSION of the whole failure".
+bool IsKnown(const std::string& failure)
 {
-    std::vector<std::regex> known;
-    std::ifstream lines(file);
+    std::ifstream lines("tests/faults/known.txt");
     for (std::string line; std::getline(lines, line);) {
-        if (const std::size_t bar = line.find(" | "); bar != std::string::npos && line.front() != '#') {
-            known.emplace_back(line.substr(bar + 3));
+        const std::size_t bar = line.find(" | ");
+        if (bar != std::string::npos && line.front() != '#' &&
+            std::regex_match(failure, std::regex(line.substr(bar + 3)))) {
+            return true;
         }
     }
-    return known;
+    return false;
 }
 
-// Where a process ended: "libcrypto.so.3(RAND_status) < libpq.so.5 < ...", a library once for functions without a name,
-// up to the first library of ours.
+// Where a process ended, from the printed stack: "libcrypto.so.3(RAND_status) < libpq.so.5 < ...", up to our first
+// library. Neighbouring functions without a name count as one.
 std::string PlaceOf(const std::string& stack)
 {
     static const std::regex frame("^.*/([^/(]+)(\\([^+)]+|\\().*$");
@@ -70,12 +68,12 @@ std::string PlaceOf(const std::string& stack)
         if (library.starts_with("libsecm") || library.starts_with("libSECM")) {
             break;
         }
-        isBelowSignal |= library.starts_with("libc.so"); // calls the handler
+        isBelowSignal |= library.starts_with("libc.so"); // it calls the signal handler
     }
     return place;
 }
 
-// What is wrong with an answer, and where, in one line; empty for one that is right or refused.
+// What is wrong with an answer, and where, in one line. Empty: the answer is right or refused with a reason.
 std::string FailureOf(const Outcome& outcome)
 {
     if (WIFSIGNALED(outcome.status)) {
@@ -97,11 +95,11 @@ std::string FailureOf(const Outcome& outcome)
     }
 }
 
-// Plays the faults of standard input, prints what came of them, and returns whether all answers were right or refused.
-bool PlayAll(FaultPlayer& player, unsigned seconds, const std::string& again, const std::string& known)
+// Plays the faults of standard input and prints the counts and the failures, as "  KIND N  # FAILURE". False when there
+// are failures, or no fault was injected.
+bool PlayAll(const std::string& connection, const std::string& road, unsigned seconds)
 {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-    const std::vector<std::regex> knownFailures = KnownFailures(known);
     std::map<std::string, unsigned> counts;
     std::string failures;
     std::string kind;
@@ -111,17 +109,16 @@ bool PlayAll(FaultPlayer& player, unsigned seconds, const std::string& again, co
         if (seconds != 0 && std::chrono::steady_clock::now() > end) {
             continue;
         }
-        const Outcome outcome = player.Play({kind, std::stoul(when), when.back() == '+'});
+        const Outcome outcome = PlayFault(connection, road, {kind, std::stoul(when), when.back() == '+'});
         const std::string failure = FailureOf(outcome);
-        const auto isFailure = [&](const std::regex& one) { return std::regex_match(failure, one); };
         ++counts["played"];
         if (failure.empty()) {
             ++counts[!outcome.wasInjected ? "not reached" : WEXITSTATUS(outcome.status) == 0 ? "right" : "refused"];
-        } else if (std::any_of(knownFailures.begin(), knownFailures.end(), isFailure)) {
+        } else if (IsKnown(failure)) {
             ++counts["known"];
         } else {
             ++counts["failed"];
-            failures += "  " + again + " " + kind + " " + when + "  # " + failure + "\n";
+            failures += "  " + kind + " " + when + "  # " + failure + "\n";
         }
     }
     std::cout << counts["played"] << " of " << counts["listed"] << " faults: " << counts["right"] << " answered, "
@@ -136,29 +133,28 @@ bool PlayAll(FaultPlayer& player, unsigned seconds, const std::string& again, co
 int main(int argc, char** argv)
 try {
     if (argc < 4) {
-        throw std::runtime_error("the top of tests/faults/main.cpp says how it is called");
+        throw std::runtime_error("see the usage at the top of tests/faults/main.cpp");
     }
     const std::string connection = argv[1];
     const std::string road = argv[2];
     const std::string command = argv[3];
     if (command == "requests") {
         WatchForCrashes();
-        static_cast<void>(access(argv[3], F_OK)); // marks where the requests begin in a trace
+        static_cast<void>(access(argv[3], F_OK)); // marks the start of the requests in a trace
         return static_cast<int>(MakeRequests(connection, road));
     }
     if (command == "places") {
         PrintMallocPlaces();
         return static_cast<int>(MakeRequests(connection, road));
     }
-    FaultPlayer player(connection, road);
     if (command == "count" && argc == 5) {
-        const Outcome outcome = player.Play({argv[4], ~0UL, false});
+        const Outcome outcome = PlayFault(connection, road, {argv[4], ~0UL, false});
         std::cerr << outcome.said;
         std::cout << outcome.count << "\n";
         return outcome.status == 0 ? 0 : 2;
     }
-    if (command == "play" && argc == 7) {
-        return PlayAll(player, static_cast<unsigned>(std::stoul(argv[4])), argv[5], argv[6]) ? 0 : 1;
+    if (command == "play" && argc == 5) {
+        return PlayAll(connection, road, static_cast<unsigned>(std::stoul(argv[4]))) ? 0 : 1;
     }
     throw std::runtime_error("there is no command '" + command + "'");
 } catch (const std::exception& error) {

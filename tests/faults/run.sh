@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Plays faults on the requests of a host: each system call fails, each allocation fails, the server's replies end after
-# each byte (the connection is closed, reset, or only silent). Every answer must be right or refused, without a crash and
-# within the time limit. What known.txt lists is counted, but is no failure.
-# Usage: tests/faults/run.sh [SECONDS|all [GROUP...]]    draws faults for so many seconds (60), or plays all, which takes
+# each byte (the connection is closed, reset, or stalled). Every answer must be right or refused, without a crash and
+# within the time limit. Failures that known.txt lists are only counted.
+# Usage: tests/faults/run.sh [SECONDS|all [GROUP...]]    plays a random choice for this time (60), or all, which takes
 #                                                        hours; GROUP: such as 'PostgreSql login closed'
-#        tests/faults/run.sh DATABASE ROAD KIND N        plays one again, as a failure names it
-# FAULT_SEED: the seed of an earlier draw.
+#        tests/faults/run.sh DATABASE ROAD KIND N        plays one fault again, as a failure prints it
+# FAULT_SEED: the seed of an earlier choice, to repeat it.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 
@@ -30,7 +30,7 @@ connection() { # DATABASE
         *) echo "There is no database '$1'" >&2; return 2 ;;
     esac
 }
-# Every place of a system call in the requests, on the thread that makes them.
+# Faults for every system call that the requests make on their own thread.
 system_calls() { # CONNECTION ROAD
     local calls trace=$scratch/trace-${1%%:*}-$2
     calls=$(sed -n 's/^\([a-z0-9]*\):.*/\1/p' tests/faults/system_calls.txt | sort -u | paste -sd,)
@@ -48,7 +48,7 @@ system_calls() { # CONNECTION ROAD
             }
         }' tests/faults/system_calls.txt "$trace"
 }
-both() { sed 'p;s/$/+/'; } # once, and lasting
+both() { sed 'p;s/$/+/'; } # each fault once, and lasting
 
 list() { # CONNECTION ROAD GROUP
     case $3 in
@@ -64,14 +64,15 @@ list() { # CONNECTION ROAD GROUP
         *) seq 0 $(($("$faults" "$1" "$2" count closed) - 1)) | sed "s/^/$3 /" | both ;;
     esac
 }
-group() { # DATABASE ROAD GROUP NUMBER: its share of the time that is left
-    local text seconds=0 status=0 result faults_of=$scratch/$1-$2-$3
+play() { # DATABASE ROAD SECONDS <FAULTS
+    "$faults" "$(connection "$1")" "$2" play "$3" | sed "s|^  |  tests/faults/run.sh $1 $2 |"
+}
+group() { # DATABASE ROAD GROUP NUMBER: plays for its share of the time that is left
+    local seconds=0 status=0 result faults_of=$scratch/$1-$2-$3
     [ "$FAULT_SECONDS" == all ] || seconds=$(((FAULT_END - $(date +%s)) * $(nproc) / (FAULT_GROUPS - $4)))
-    text=$(connection "$1")
-    list "$text" "$2" "$3" |
+    list "$(connection "$1")" "$2" "$3" |
         awk -v seed="$((FAULT_SEED + $4))" 'BEGIN { srand(seed) } { print rand() "\t" $0 }' | sort -g | cut -f 2 >"$faults_of"
-    result=$("$faults" "$text" "$2" play "$((seconds > 0 ? seconds : FAULT_END > 0))" "tests/faults/run.sh $1 $2" \
-        tests/faults/known.txt <"$faults_of") || status=$?
+    result=$(play "$1" "$2" "$((seconds > 0 ? seconds : FAULT_END > 0))" <"$faults_of") || status=$?
     [ "$status" -eq 0 ] && echo -n "passed" || echo -n "FAILED"
     echo ": faults of $1, $2, $3: $result"
     return "$status"
@@ -82,19 +83,18 @@ scripts/postgresql start "$scratch/server" $$
 scripts/postgresql database "$scratch/server" sample examples/documents/security.sql >/dev/null
 
 if [ "$FAULT_SECONDS" == one ]; then
-    text=$(connection "$1")
-    "$faults" "$text" "$2" play 0 "tests/faults/run.sh $1 $2" tests/faults/known.txt <<<"$3 $4"
+    play "$1" "$2" 0 <<<"$3 $4"
     exit
 fi
 FAULT_END=0
 [ "$FAULT_SECONDS" == all ] || FAULT_END=$(($(date +%s) + FAULT_SECONDS))
-# What has fewer faults comes first, and leaves its time to the others.
+# Groups with fewer faults come first and leave unused time to the others.
 groups=("Sqlite "{login,name}" "{memory,calls} "PostgreSql "{login,name}" "{calls,closed,reset,memory,stalled})
 [ $# -lt 2 ] || groups=("${@:2}")
 FAULT_GROUPS=${#groups[@]}
 FAULT_SEED=${FAULT_SEED:-$RANDOM}
 export FAULT_SECONDS FAULT_END FAULT_GROUPS FAULT_SEED faults scratch
-export -f connection system_calls both list group
+export -f connection system_calls both list play group
 echo "FAULT_SEED=$FAULT_SEED"
 for i in "${!groups[@]}"; do echo "${groups[i]} $i"; done |
     xargs -P "$(nproc)" -I '{}' bash -c "set -euo pipefail; group {}"
