@@ -1,7 +1,7 @@
 // Any bytes as the configuration: either they are refused with a place in them, and what was in force stays, or every
-// way to ask for what stands there gets the same answer, after a second load too. Where the end line is required, what
-// was taken without is taken exactly when each file ends with it. An input is one file, or two in a folder when a line
-// in it says so.
+// way to ask for what stands there gets the same answer, after a second load too. With CFG_REQUIRE_END=1, they are
+// taken again exactly when each file ends with the end line. An input is one file, or two in a folder when a line in it
+// says so.
 #include "fuzz/Fuzzing.h"
 #include "platform/configuration/CFG_Listing.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
@@ -160,7 +160,7 @@ void CheckError(std::string error, const std::vector<std::pair<std::string, std:
     Require(false, "an error that names none of the files", error);
 }
 
-bool IsWhole(const std::string& content)
+bool HasEndLine(const std::string& content)
 {
     for (const char* lineEnd : {"", "\n", "\r\n"}) {
         if (("\n" + content).ends_with(std::string("\n# end of configuration") + lineEnd)) {
@@ -170,7 +170,7 @@ bool IsWhole(const std::string& content)
     return false;
 }
 
-bool IsTakenWithItsEnd()
+bool IsTakenWhenEndLineIsRequired()
 {
     setenv("CFG_REQUIRE_END", "1", 1);
     bool isTaken = true;
@@ -223,9 +223,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     }
     CFG_Factory::Reload();
     Require(Look().seen == inForce, "a second load differs from", inForce);
-    const bool isWhole =
-        std::all_of(files.begin(), files.end(), [](const auto& file) { return IsWhole(std::string(file.second)); });
-    Require(IsTakenWithItsEnd() == isWhole, "taken without its end line, or refused with it", inForce);
+    const bool haveEndLine =
+        std::all_of(files.begin(), files.end(), [](const auto& file) { return HasEndLine(std::string(file.second)); });
+    Require(IsTakenWhenEndLineIsRequired() == haveEndLine, "taken without its end line, or refused with it", inForce);
     Require(Look().seen == inForce, "a load with the end line differs from", inForce);
     return 0;
 }

@@ -15,7 +15,7 @@ namespace {
 
 using secm::platform::Descriptor;
 
-constexpr std::size_t noLimit = -1;
+constexpr std::size_t noLimit = ~std::size_t{0};
 
 sockaddr_in LoopbackAddress(unsigned short port)
 {

@@ -1,5 +1,5 @@
-// A host that calls exit() while its threads connect and ask, and which blocks a signal after connecting to wait for
-// it. Usage: exiting_host REPOSITORY CONNECTION USER MICROSECONDS
+// A host that calls exit() while its threads connect and make requests. It also blocks a signal after connecting and
+// waits for it, which must reach no other thread. Usage: exiting_host REPOSITORY CONNECTION USER MICROSECONDS
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
 
 #include <unistd.h>
@@ -48,7 +48,7 @@ int main(int argc, char** argv)
     kill(getpid(), SIGUSR1);
     int received = 0;
     sigwait(&waited, &received);
-    // On PostgreSQL, one thread connects anew all the time; SOCI's SQLite does not allow that while exit() runs.
+    // On PostgreSQL one thread connects again and again. On SQLite, SOCI does not allow that while exit() runs.
     const bool mayConnect = std::string(argv[2]).starts_with("postgresql");
     for (const bool connects : {false, false, mayConnect}) {
         auto own = std::make_shared<std::unique_ptr<SECM_AccessControlInterface>>(Connected(argv[1], argv[2]));

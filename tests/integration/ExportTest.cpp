@@ -1,6 +1,6 @@
-// The exported constructor and destructor of SecurityManagerInterface, as a host's own security manager calls them: on
-// an object whose table is read through the object. Clang has the constructor only in the form that derived classes
-// call, C2.
+// Calls the exported constructor and destructor of SecurityManagerInterface as a host's own security manager does, and
+// reads the virtual table of the object. The constructor is called in the form for derived classes (C2), because Clang
+// has no other for an abstract class.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -20,13 +20,13 @@ void Call(const char* name, void* object)
     reinterpret_cast<void (*)(void*)>(Entry(name))(object);
 }
 
-TEST(ExportTest, TheDestructorLeavesTheInterfacesTableWithItsOneImplementedOperation)
+TEST(ExportTest, TheDestructorPutsBackTheTableOfTheInterface)
 {
     Dl_info library{};
     ASSERT_NE(dladdr(Entry("_ZN24SecurityManagerInterfaceC2Ev"), &library), 0);
     EXPECT_THAT(library.dli_fname, testing::HasSubstr(MODULE_FILE));
 
-    void** object = nullptr; // of one word, for its table
+    void** object = nullptr; // an object holds only the address of its table
     Call("_ZN24SecurityManagerInterfaceC2Ev", &object);
     void** const table = object;
     std::array<void*, 9> ofDerived{};

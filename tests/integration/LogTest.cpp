@@ -73,7 +73,7 @@ TEST_F(LogTest, GoesOnWithTheOldFileWhereItCannotBeOpenedAgain)
     EXPECT_THAT(Read(Path("old.log")), testing::MatchesRegex(".* first\n.* second\n"));
 }
 
-// Until a limit in the middle of the second line is lifted.
+// Logs the same line three times. A limit of the file size cuts the second one off in the middle.
 std::string WrittenOverALimit(const std::string& path)
 {
     setenv("TMR_LOG_FILE", path.c_str(), 1);
@@ -96,7 +96,7 @@ TEST_F(LogTest, TakesBackALineThatFitsOnlyInPart)
 {
     const std::string line = "time [3] Function (source:1) 0123456789\n";
     EXPECT_EQ(WrittenOverALimit(Path("a.log")), line + line);
-    // A file that cannot be made shorter: then at least no other line is joined to the part.
+    // The part stays in a file that cannot be made shorter. The next line must not be joined to it.
     const int file = memfd_create("log", MFD_ALLOW_SEALING);
     fcntl(file, F_ADD_SEALS, F_SEAL_SHRINK);
     EXPECT_EQ(WrittenOverALimit("/proc/self/fd/" + std::to_string(file)), line + "time [3] Function (s\n" + line);

@@ -93,7 +93,7 @@ TEST_F(ReloadTest, AManagerIsWhollyOfTheOldOrTheNew)
     }
 }
 
-// Neither by a first load, which every one here is, nor by a reload.
+// Each GetRepositoryServices here is a first load, because none before it has succeeded.
 TEST_F(ReloadTest, NoPartOfAFileIsTakenWhereItsEndIsRequired)
 {
     setenv("CFG_REQUIRE_END", "1", 1);

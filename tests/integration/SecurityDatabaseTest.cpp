@@ -27,6 +27,16 @@ using SecurityDatabaseTest = EngineTest;
 
 ON_BOTH_ENGINES(SecurityDatabaseTest);
 
+std::unique_ptr<SECM_AccessControlInterface> ConnectedManager(const std::string& configuration, std::string repository,
+                                                              const std::string& connection)
+{
+    setenv("CFG_REPOSITORY", configuration.c_str(), 1);
+    CFG_Factory::Reload();
+    std::unique_ptr<SECM_AccessControlInterface> manager(SECM_AccessControlInterface::CreateInstance(repository));
+    EXPECT_TRUE(manager->InitSecurityConnection(connection.c_str(), 10));
+    return manager;
+}
+
 TEST_P(SecurityDatabaseTest, LogsInWhoeverTheCallbackNames)
 {
     EXPECT_EQ(getSecurityManagerInterface("Test", 1), nullptr);
@@ -86,13 +96,7 @@ TEST_P(SecurityDatabaseTest, TellsOfAnyUserByName)
 
 TEST_P(SecurityDatabaseTest, ARequestThatMeetsABrokenDatabaseThrowsAndTheNextIsServed)
 {
-    Write("archive.toml", SampleText("archive.toml"));
-    setenv("CFG_REPOSITORY", Path("archive.toml").c_str(), 1);
-    CFG_Factory::Reload();
-    std::string repository = "documents";
-    const std::unique_ptr<SECM_AccessControlInterface> accessControl(
-        SECM_AccessControlInterface::CreateInstance(repository));
-    ASSERT_TRUE(accessControl->InitSecurityConnection(connection.c_str(), 1));
+    const auto accessControl = ConnectedManager(SAMPLE_FOLDER "/archive.toml", "documents", connection);
     for (const std::string table : {"security_attribute", "security_permission"}) {
         EXPECT_EQ(accessControl->GetAccessControlFilter("hugo", ""), "department = ('Legal')");
         EXPECT_EQ(accessControl->GetAccessControlFilter("hugo"), "department = ('Legal')");
@@ -104,8 +108,8 @@ TEST_P(SecurityDatabaseTest, ARequestThatMeetsABrokenDatabaseThrowsAndTheNextIsS
     }
 }
 
-// Each transaction moves a user from one group to another, and what is granted to the groups with them: the user is
-// restricted before and after. Anything between would not be.
+// Each transaction moves a user to the other group and swaps the grants of both groups. The user is restricted before
+// and after it, but not between its statements.
 TEST_P(SecurityDatabaseTest, ARequestSeesEachTransactionWhollyOrNotAtAll)
 {
     const std::string top = "[zarvona.system.applications.securitymanager.unified_access_control.";
@@ -119,12 +123,7 @@ TEST_P(SecurityDatabaseTest, ARequestSeesEachTransactionWhollyOrNotAtAll)
     Write("moves.sql", move("b", "a") + move("a", "b"));
     Sql("INSERT INTO security_user VALUES ('mover', 'a'); INSERT INTO security_permission VALUES"
         " (9001, 'group', 'a', 'moved', 1, 'a', 0), (9002, 'group', 'b', 'moved', 1, NULL, 0);");
-    setenv("CFG_REPOSITORY", Path("moves.toml").c_str(), 1);
-    CFG_Factory::Reload();
-    std::string repository = "r";
-    const std::unique_ptr<SECM_AccessControlInterface> accessControl(
-        SECM_AccessControlInterface::CreateInstance(repository));
-    ASSERT_TRUE(accessControl->InitSecurityConnection(connection.c_str(), 10));
+    const auto accessControl = ConnectedManager(Path("moves.toml"), "r", connection);
 
     Outcome written;
     std::thread writer([&] {
@@ -143,7 +142,7 @@ TEST_P(SecurityDatabaseTest, ARequestSeesEachTransactionWhollyOrNotAtAll)
     EXPECT_THAT(answers, testing::ElementsAre(testing::Key("a"), testing::Key("b")));
 }
 
-// What a list is answered from is what was read with the user, once: it may be asked for much later.
+// Only the first list after GetUserDetails, of the same user and group, is what was read with the user.
 TEST_P(SecurityDatabaseTest, AListIsReadAnewUnlessItFollowsItsUser)
 {
     Sql("INSERT INTO security_user VALUES ('lister', 'g');");
@@ -220,15 +219,11 @@ class ChangedFileTest : public WorkspaceTest, public testing::WithParamInterface
 
 TEST_P(ChangedFileTest, IsReadAsItIsOrRefused)
 {
-    setenv("CFG_REPOSITORY", SAMPLE_FOLDER "/archive.toml", 1);
-    CFG_Factory::Reload();
     for (const bool logsIn : {true, false}) {
         std::filesystem::remove_all(Path("security.db"));
         MakeDatabase("security.db", SampleText("security.sql"));
-        std::string repository = "documents";
-        const std::unique_ptr<SECM_AccessControlInterface> accessControl(
-            SECM_AccessControlInterface::CreateInstance(repository));
-        ASSERT_TRUE(accessControl->InitSecurityConnection(("sqlite3://db=" + Path("security.db")).c_str(), 1));
+        const auto accessControl =
+            ConnectedManager(SAMPLE_FOLDER "/archive.toml", "documents", "sqlite3://db=" + Path("security.db"));
         const auto answer = [&]() -> std::string {
             try {
                 return logsIn ? accessControl->GetAccessControlFilter("hugo", "")
