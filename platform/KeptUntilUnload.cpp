@@ -1,8 +1,9 @@
-// Tells exit() from dlclose() by which handler is called first:
-// - exit() calls AtExit first. It calls the functions registered with atexit(), the last one first; the dynamic
-//   linker's own was registered before main began, so it comes last, and only then calls the destructor functions.
-// - dlclose() calls AtUnload first. It calls the library's destructor functions, the last one first; the compiler's
-//   own stands first, so it comes last, and only then calls what the library registered with atexit().
+// Tells exit() from dlclose() by which of the two handlers is called first:
+// - exit() calls what was registered with atexit(), the last one first. The dynamic linker registered its function
+// before
+//   main began, so that comes last, and it calls the libraries' destructor functions. So AtExit is called first.
+// - dlclose() calls the library's destructor functions, the last one first. The compiler's own comes last, and it calls
+//   what the library registered with atexit(). So AtUnload is called first.
 // Each library has its own copy of this state.
 #include "platform/KeptUntilUnload.h"
 

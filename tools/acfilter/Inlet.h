@@ -39,7 +39,7 @@ private:
     bool isUsed = false;                 // the template has the placeholder
     std::string quotes;                  // those that are open at one of the places
     bool isUnquoted = false;             // at one of the places no quote is open
-    bool matchesEverything = false;      // at one of the places the empty text does
+    bool matchesEverything = false;      // at one of the places an empty text leaves only a pattern
     std::vector<std::string> disturbing; // what the module would look for in the text
     Tally quoted;
     Tally disturbed;

@@ -1,4 +1,4 @@
-// What all who read a security database share: what they take of a row, and how faults read.
+// Shared by all readers of a security database: the columns of a row, and the texts of errors.
 #pragma once
 
 #include "platform/security_manager/PermissionBase.h"
