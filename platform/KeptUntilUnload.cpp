@@ -1,7 +1,6 @@
 // Tells exit() from dlclose() by which of the two handlers is called first:
 // - exit() calls what was registered with atexit(), the last one first. The dynamic linker registered its function
-// before
-//   main began, so that comes last, and it calls the libraries' destructor functions. So AtExit is called first.
+//   before main began, so that comes last, and it calls the libraries' destructor functions. So AtExit is called first.
 // - dlclose() calls the library's destructor functions, the last one first. The compiler's own comes last, and it calls
 //   what the library registered with atexit(). So AtUnload is called first.
 // Each library has its own copy of this state.
