@@ -17,7 +17,8 @@ try {
         throw std::runtime_error("no connection to the security database; the log says why");
     }
     const std::string filter = accessControl->GetAccessControlFilter(argv[3], "127.0.0.1");
-    std::cout << "SELECT * FROM documents" << (filter.empty() ? "" : " WHERE " + filter) << ";\n";
+    const std::string query = "SELECT * FROM documents" + (filter.empty() ? "" : " WHERE " + filter) + ";\n";
+    std::cout << query; // the whole of it, or a fault before
 } catch (const std::exception& error) {
     std::cerr << "host: " << error.what() << "; nothing is shown\n"; // no filter, no data
     return 1;
