@@ -1,7 +1,12 @@
 #include "tools/acfilter/CommandInputs.h"
 
+#include "tools/acfilter/OutputPlace.h"
+
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
@@ -20,18 +25,31 @@ bool IsConfigurationFile(const fs::path& path)
     return extension == ".toml";
 }
 
-// The path without links. The file need not exist.
-fs::path Canonical(const fs::path& path)
+bool IsSame(const struct stat& one, const struct stat& other)
 {
-    std::error_code none;
-    return fs::weakly_canonical(fs::absolute(path, none), none);
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
-// Whether both paths lead to one file, which need not exist.
-bool IsSameFile(const fs::path& one, const fs::path& other)
+bool IsFolder(const platform::Descriptor& folder, const std::string& path)
 {
+    struct stat opened {};
+    struct stat named {};
+    return fstat(folder.Get(), &opened) == 0 && stat(path.c_str(), &named) == 0 && IsSame(opened, named);
+}
+
+// Whether `input`, which need not exist, is the file at `output`, through any links and mounts.
+bool IsAt(const OutputPlace& output, const fs::path& input)
+{
+    struct stat found {};
+    if (stat(input.c_str(), &found) == 0) {
+        return output.old && IsSame(*output.old, found);
+    }
+    const bool leadsSomewhere = errno == ENOENT; // and not in a circle
     std::error_code none;
-    return fs::equivalent(one, other, none) || Canonical(one) == Canonical(other);
+    if (leadsSomewhere && fs::is_symlink(input, none)) {
+        return IsAt(output, input.parent_path() / fs::read_symlink(input, none));
+    }
+    return input.filename() == output.name && IsFolder(output.folder, fs::absolute(input, none).parent_path());
 }
 
 std::vector<fs::path> FilesOfConfiguration(const std::string& configuration)
@@ -64,8 +82,9 @@ std::vector<fs::path> OpenFiles()
 
 void RequireNoInput(const std::string& output, const HostOptions& host, const std::optional<std::string>& usersFrom)
 {
+    const OutputPlace place = FindOutputPlace(output);
     const auto require = [&](const fs::path& input, const std::string& what) {
-        if (IsSameFile(output, input)) {
+        if (IsAt(place, input)) {
             throw std::runtime_error("--output '" + output + "' is " + what + " '" + input.string() +
                                      "'; name another file");
         }
@@ -73,9 +92,7 @@ void RequireNoInput(const std::string& output, const HostOptions& host, const st
     for (const fs::path& file : FilesOfConfiguration(host.configuration)) {
         require(file, "the configuration");
     }
-    std::error_code none;
-    if (fs::is_directory(host.configuration) && IsConfigurationFile(Canonical(output)) &&
-        fs::equivalent(Canonical(output).parent_path(), host.configuration, none)) {
+    if (IsConfigurationFile(place.name) && IsFolder(place.folder, host.configuration)) {
         throw std::runtime_error("--output '" + output + "' would be read as part of the configuration '" +
                                  host.configuration + "'; name a file elsewhere, or not *.toml");
     }

@@ -97,9 +97,8 @@ private:
         if (fstat(place.folder.Get(), &folder) != 0) {
             Refuse();
         }
-        constexpr mode_t everybodyAddsFiles = S_ISVTX | S_IWOTH;
-        if ((folder.st_mode & everybodyAddsFiles) == everybodyAddsFiles && found.st_uid != geteuid() &&
-            found.st_uid != folder.st_uid) {
+        const bool everybodyAddsFiles = (folder.st_mode & S_IWOTH) != 0;
+        if (everybodyAddsFiles && found.st_uid != geteuid() && found.st_uid != folder.st_uid) {
             throw std::runtime_error("--output '" + path + "': '" + place.name + "' in '" + place.folderPath +
                                      "', where everybody may write, belongs to somebody else (user " +
                                      std::to_string(found.st_uid) + "); name a file in a folder of your own");
