@@ -59,7 +59,7 @@ Reading Read(const std::string& content, bool breaksOff)
 std::string Refusal(unsigned line, bool hasNul)
 {
     return "PLACE:" + std::to_string(line) +
-           (hasNul ? ": a user name cannot hold a NUL byte"
+           (hasNul ? ": a user name cannot hold a NUL byte; write the list in UTF-8"
                    : ": a carriage return ends no line here; end each line with LF or CR LF");
 }
 

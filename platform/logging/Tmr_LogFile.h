@@ -41,8 +41,8 @@ private:
 
     // Above every level until the environment has been read, so that a level is tested by one comparison.
     std::atomic<int> threshold{std::numeric_limits<int>::max()};
-    std::once_flag opened;
-    // Not owned, so that the log has no destructor: threads use it until the process ends.
+    std::mutex opening;
+    // Null until the log is open. Not owned, so that the log has no destructor: threads use it until the process ends.
     std::atomic<Writer*> writer{nullptr};
 };
 

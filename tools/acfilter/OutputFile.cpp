@@ -160,7 +160,8 @@ void OutputFile::RemoveAbandoned() const
                "' beside it is not what acfilter leaves there when it is killed; see whose it is, "
                "and remove it");
     }
-    const Descriptor abandoned(openat(folder, hiddenName.c_str(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    // For reading, because the mode may be that of a file that nobody writes.
+    const Descriptor abandoned(openat(folder, hiddenName.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!abandoned.IsOpen() || flock(abandoned.Get(), LOCK_EX | LOCK_NB) != 0) {
         Refuse(errno == EWOULDBLOCK ? anotherRun
                                     : "'" + hiddenName + "', which an earlier run left beside it, cannot be removed: " +

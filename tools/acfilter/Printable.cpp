@@ -4,6 +4,10 @@
 
 namespace {
 
+// Names that differ by one of these look alike.
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view zeroWidthSpace = "\xE2\x80\x8B";
+
 // Whether `second` may follow `first` in UTF-8.
 bool IsSecond(unsigned first, unsigned second)
 {
@@ -44,9 +48,10 @@ bool IsControl(std::string_view character)
         return (byte(0) == 0xc2 && byte(1) < 0xa0) || // a second set of control characters
                (byte(0) == 0xd8 && byte(1) == 0x9c);  // the one mark of direction that is that short
     case 3:
-        return byte(0) == 0xe2 && ((byte(1) == 0x80 && (byte(2) == 0x8e || byte(2) == 0x8f)) ||
-                                   (byte(1) == 0x80 && byte(2) >= 0xa8 && byte(2) <= 0xae) ||
-                                   (byte(1) == 0x81 && byte(2) >= 0xa6 && byte(2) <= 0xa9));
+        return character == byteOrderMark || character == zeroWidthSpace ||
+               (byte(0) == 0xe2 && ((byte(1) == 0x80 && (byte(2) == 0x8e || byte(2) == 0x8f)) ||
+                                    (byte(1) == 0x80 && byte(2) >= 0xa8 && byte(2) <= 0xae) ||
+                                    (byte(1) == 0x81 && byte(2) >= 0xa6 && byte(2) <= 0xa9)));
     default:
         return false;
     }

@@ -8,8 +8,9 @@
 struct FirstCharacter {
     std::size_t length; ///< In bytes; 1 when the text does not begin with a whole UTF-8 character.
 
-    /// Whether it controls a terminal or changes the direction of writing. True also for a byte from 0x80 to 0x9f that
-    /// is no part of a UTF-8 character: terminals that do not read UTF-8 obey it.
+    /// Whether it controls a terminal, changes the direction of writing, or is a byte order mark or a zero-width space,
+    /// which nobody sees. True also for a byte from 0x80 to 0x9f that is no part of a UTF-8 character: terminals that
+    /// do not read UTF-8 obey it.
     bool isControl;
 };
 

@@ -21,7 +21,7 @@ void ForEachLine(std::istream& lines, const std::string& place, const UserHandle
             name.erase(0, byteOrderMark.size());
         }
         if (name.find('\0') != std::string::npos) {
-            refuse("a user name cannot hold a NUL byte");
+            refuse("a user name cannot hold a NUL byte; write the list in UTF-8");
         }
         if (name.find('\r') != std::string::npos) {
             refuse("a carriage return ends no line here; end each line with LF or CR LF");

@@ -110,10 +110,16 @@ struct Tmr_LogFile::Writer {
     spdlog::logger logger{"TmrGLog", sink};
 };
 
+// Not by std::call_once: an exception that leaves it makes the C library load another library, and ends the process
+// when there is no memory for that.
 void Tmr_LogFile::Open()
 {
-    writer = &secm::platform::KeptUntilUnload<Writer>();
-    threshold.store(LevelFromEnvironment(), std::memory_order_relaxed);
+    const std::lock_guard<std::mutex> lock(opening);
+    if (writer.load(std::memory_order_relaxed) == nullptr) {
+        Writer& opened = secm::platform::KeptUntilUnload<Writer>();
+        threshold.store(LevelFromEnvironment(), std::memory_order_relaxed);
+        writer.store(&opened, std::memory_order_release);
+    }
 }
 
 bool Tmr_LogFile::Reopen()
@@ -128,7 +134,9 @@ int Tmr_LogFile::StoreParams(const char* sourceFile, const char* functionName, i
     if (level > threshold.load(std::memory_order_relaxed)) {
         return 0;
     }
-    std::call_once(opened, [this] { Open(); });
+    if (writer.load(std::memory_order_acquire) == nullptr) {
+        Open();
+    }
     if (level > threshold.load(std::memory_order_relaxed)) {
         return 0;
     }
