@@ -219,9 +219,8 @@ class ChangedFileTest : public WorkspaceTest, public testing::WithParamInterface
 
 TEST_P(ChangedFileTest, IsReadAsItIsOrRefused)
 {
-    for (const bool logsIn : {true, false}) {
-        std::filesystem::remove_all(Path("security.db"));
-        MakeDatabase("security.db", SampleText("security.sql"));
+    for (const auto& [logsIn, mode] : {std::pair(true, "DELETE"), {false, "DELETE"}, {true, "WAL"}, {false, "WAL"}}) {
+        MakeDatabase("security.db", SampleText("security.sql") + "COMMIT; PRAGMA journal_mode = " + mode + "; BEGIN;");
         const auto accessControl =
             ConnectedManager(SAMPLE_FOLDER "/archive.toml", "documents", "sqlite3://db=" + Path("security.db"));
         const auto answer = [&]() -> std::string {
@@ -233,13 +232,16 @@ TEST_P(ChangedFileTest, IsReadAsItIsOrRefused)
             }
         };
         EXPECT_EQ(answer(), "department = ('Legal')");
-        const Outcome changed = Run("fleet() { sqlite3 $1 \"UPDATE security_permission SET resource = 'Fleet' WHERE "
-                                    "position = 1001\"; }; " +
-                                    GetParam().at(1));
+        const Outcome changed =
+            Run("fleet() { sqlite3 $1 \"UPDATE security_permission SET resource = 'Fleet' WHERE "
+                "position = 1001\"; }; "
+                "log() { { printf '%s\\n' 'PRAGMA journal_mode = WAL;' \"$@\" '.shell kill -9 $PPID' "
+                "| sqlite3 security.db; } >log 2>&1 || true; }; " +
+                GetParam().at(1));
         EXPECT_EQ(changed.status, 0) << changed.errors;
         EXPECT_THAT(answer(), HasSubstr(GetParam().at(2)));
         EXPECT_THAT(answer(), HasSubstr(GetParam().at(2)));
-        std::filesystem::remove_all(Path("security.db"));
+        Run("rm -rf security.db*");
         MakeDatabase("new.db", SampleText("security.sql"));
         std::filesystem::rename(Path("new.db"), Path("security.db"));
         EXPECT_EQ(answer(), "department = ('Legal')");

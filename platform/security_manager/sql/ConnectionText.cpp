@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <charconv>
 #include <memory>
 #include <new>
@@ -137,21 +138,85 @@ void RequireKeys(const std::string& text)
     }
 }
 
+// Refuses values such as in host=db;password=..., because the client library or the server would quote them in its
+// message. A user may be called NAME@SERVER, and the name of a socket may begin with @.
+void RequireSeparateSettings(const std::vector<Setting>& settings)
+{
+    constexpr std::array<std::string_view, 5> quotedKeys = {"host", "hostaddr", "port", "dbname", "user"};
+    for (const Setting& setting : settings) {
+        const bool isQuoted = std::find(quotedKeys.begin(), quotedKeys.end(), setting.key) != quotedKeys.end();
+        if (isQuoted &&
+            (setting.value.find('=') != std::string::npos || setting.value.find(schemeEnd) != std::string::npos ||
+             (setting.key.starts_with("host") && setting.value.find('@', 1) != std::string::npos))) {
+            throw std::runtime_error(setting.key + " in the connection text holds more than one setting; write them "
+                                                   "apart by blanks: host=... port=... dbname=... user=...");
+        }
+    }
+}
+
+// SOCI rewrites the text for the client library, and drops blanks of a value that has several. Another password would
+// be tried, or a part of it would be read as a key and quoted in a message. In options no harm is done.
+void RequireFewBlanks(const Setting& setting)
+{
+    if (setting.key == "options") {
+        return;
+    }
+    bool isAfterBlank = false;
+    for (const char character : setting.value) {
+        if (std::isspace(static_cast<unsigned char>(character)) != 0) {
+            if (isAfterBlank || character != ' ') {
+                throw std::runtime_error("the value of " + setting.key +
+                                         " in the connection text holds several blanks, of which some would be lost; "
+                                         "a password can stand in a password file: passfile=FILE");
+            }
+            isAfterBlank = true;
+        } else if (character == '=') {
+            isAfterBlank = false;
+        }
+    }
+}
+
+std::string Written(const Setting& setting)
+{
+    RequireFewBlanks(setting);
+    std::string written = setting.key + "='";
+    for (const char character : setting.value) {
+        written.append(character == '\'' || character == '\\' ? 1 : 0, '\\').push_back(character);
+    }
+    return written + "'";
+}
+
 PostgreSqlAddress PostgreSqlAddressOf(const std::string& text, unsigned timeoutSeconds)
 {
     if (text.find("singlerow") != std::string::npos) {
         throw std::runtime_error("leave out singlerow: an answer that breaks off would look like a whole one");
     }
     RequireKeys(text);
-    PostgreSqlSettingsOf(text); // throws when it cannot be parsed
-    // Ours stand first, because the last value of a key counts. Without client_encoding, PGCLIENTENCODING could convert
-    // names into those of other users. The library of Kerberos' encryption ends the process when memory runs out.
-    std::string settings = "client_encoding=UTF8 gssencmode=disable ";
+    const std::vector<Setting> settings = PostgreSqlSettingsOf(text);
+    RequireSeparateSettings(settings);
+    // Our settings stand where the text has none of that key. The library of Kerberos' encryption ends the process when
+    // memory runs out. Without client_encoding, PGCLIENTENCODING could convert names into those of other users. It
+    // stands last, because SOCI drops what follows a last value with a blank.
+    std::vector<Setting> added = {{"gssencmode", "disable"}};
     if (timeoutSeconds != 0) {
         const std::string timeout = std::to_string(timeoutSeconds);
-        settings += "connect_timeout=" + timeout + " tcp_user_timeout=" + timeout + "000 ";
+        added.push_back({"connect_timeout", timeout});
+        added.push_back({"tcp_user_timeout", timeout + "000"});
     }
-    return {settings + text};
+    Setting last = {"client_encoding", "UTF8"};
+    std::string written;
+    for (const Setting& setting : settings) {
+        if (setting.key == last.key) {
+            last.value = setting.value;
+        } else {
+            written += Written(setting) + " ";
+        }
+        std::erase_if(added, [&](const Setting& ours) { return ours.key == setting.key; });
+    }
+    for (const Setting& setting : added) {
+        written += Written(setting) + " ";
+    }
+    return {written + Written(last)};
 }
 
 template <std::size_t count>

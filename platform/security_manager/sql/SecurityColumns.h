@@ -14,19 +14,21 @@ namespace secm::platform {
 struct SecurityColumn {
     const char* table;
     const char* name;
-    bool isSearched; ///< Requests find rows by it, so it should have an index.
+    /// Requests find rows by the column, so it should have an index: a condition on the columns that stand before it in
+    /// that index, or "". Null: no request finds rows by it.
+    const char* indexPrefix;
 };
 
 inline constexpr std::array<SecurityColumn, 9> textColumns = {{
-    {"security_user", "user_name", true},
-    {"security_user", "group_name", false},
-    {"security_attribute", "user_name", true},
-    {"security_attribute", "attribute_name", false},
-    {"security_attribute", "attribute_value", false},
-    {"security_permission", "grantee_type", false},
-    {"security_permission", "grantee", true},
-    {"security_permission", "permission_name", false},
-    {"security_permission", "resource", false},
+    {"security_user", "user_name", ""},
+    {"security_user", "group_name", nullptr},
+    {"security_attribute", "user_name", ""},
+    {"security_attribute", "attribute_name", nullptr},
+    {"security_attribute", "attribute_value", nullptr},
+    {"security_permission", "grantee_type", ""},
+    {"security_permission", "grantee", "grantee_type IN ('user', 'group') AND "},
+    {"security_permission", "permission_name", nullptr},
+    {"security_permission", "resource", nullptr},
 }};
 
 /// The error message for a column that has another type than text or holds a value that is no text.

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -100,6 +101,40 @@ private:
     sqlite3* handle;
 };
 
+std::uint32_t NumberAt(const std::uint8_t* bytes)
+{
+    return (std::uint32_t{bytes[0]} << 24U) | (std::uint32_t{bytes[1]} << 16U) | (std::uint32_t{bytes[2]} << 8U) |
+           bytes[3];
+}
+
+// Whether the write-ahead log holds the pages from `first` to `last`. A checkpoint copies the header, but skips a page
+// whose latest state in the log some reader must not see yet. The file may then lack that page for a long time.
+bool LogHolds(sqlite3* handle, sqlite3_int64 pageSize, sqlite3_int64 first, sqlite3_int64 last)
+{
+    constexpr int logHeaderSize = 32;
+    constexpr int frameHeaderSize = 24;
+    constexpr std::size_t saltOffset = 16;     // in the log's header
+    constexpr std::size_t frameSaltOffset = 8; // in a frame's header; frames from before the log was reset differ
+    constexpr std::size_t saltSize = 8;
+    sqlite3_file* log = nullptr;
+    std::array<std::uint8_t, logHeaderSize> header{};
+    if (sqlite3_file_control(handle, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log) != SQLITE_OK || log == nullptr ||
+        log->pMethods == nullptr || log->pMethods->xRead(log, header.data(), logHeaderSize, 0) != SQLITE_OK) {
+        return false;
+    }
+    std::set<sqlite3_int64> found;
+    std::array<std::uint8_t, frameHeaderSize> frame{};
+    for (sqlite3_int64 place = logHeaderSize;
+         log->pMethods->xRead(log, frame.data(), frameHeaderSize, place) == SQLITE_OK &&
+         std::memcmp(frame.data() + frameSaltOffset, header.data() + saltOffset, saltSize) == 0;
+         place += frameHeaderSize + pageSize) {
+        if (const sqlite3_int64 page = NumberAt(frame.data()); page >= first && page <= last) {
+            found.insert(page);
+        }
+    }
+    return static_cast<sqlite3_int64>(found.size()) == last - first + 1;
+}
+
 // The file's header on the disk. It is read through SQLite's own descriptor: closing a second one would release the
 // locks that SQLite holds on the file.
 class Header {
@@ -115,29 +150,40 @@ public:
     }
 
     bool IsEmpty() const { return fileSize == 0; }
-    bool IsUtf8() const { return Number(encodingOffset) == utf8; }
+    bool IsUtf8() const { return NumberAt(bytes.data() + encodingOffset) == utf8; }
     bool HasWriteAheadLog() const { return bytes[readVersionOffset] == writeAheadLog; }
 
-    // Whether the file has all pages that the header counts, and no part of a page.
-    bool IsWhole() const
+    // Whether the file has all pages that the header counts, and no part of a page. Pages may be in the write-ahead
+    // log.
+    bool IsWhole(sqlite3* handle) const
     {
         const unsigned stored = (unsigned{bytes[pageSizeOffset]} << 8U) | bytes[pageSizeOffset + 1];
         const sqlite3_int64 pageSize = stored == 1 ? largestPageSize : stored;
-        const bool isCountValid = Number(changeCounterOffset) == Number(pageCountValidForOffset);
-        return pageSize != 0 && fileSize % pageSize == 0 &&
-               (!isCountValid || fileSize >= pageSize * sqlite3_int64{Number(pageCountOffset)});
+        if (pageSize == 0 || fileSize % pageSize != 0) {
+            return false;
+        }
+        const bool isCountValid =
+            NumberAt(bytes.data() + changeCounterOffset) == NumberAt(bytes.data() + pageCountValidForOffset);
+        const sqlite3_int64 count = NumberAt(bytes.data() + pageCountOffset);
+        const sqlite3_int64 present = fileSize / pageSize;
+        return !isCountValid || present >= count ||
+               (HasWriteAheadLog() && LogHolds(handle, pageSize, present + 1, count));
     }
 
 private:
-    std::uint32_t Number(std::size_t offset) const
-    {
-        return (std::uint32_t{bytes[offset]} << 24U) | (std::uint32_t{bytes[offset + 1]} << 16U) |
-               (std::uint32_t{bytes[offset + 2]} << 8U) | bytes[offset + 3];
-    }
-
     std::array<std::uint8_t, headerSize> bytes{};
     sqlite3_int64 fileSize = 0;
 };
+
+// Changes with each transaction of others that SQLite has seen, also with those that are only in the write-ahead log.
+unsigned DataVersionOf(sqlite3* handle)
+{
+    unsigned version = 0;
+    if (sqlite3_file_control(handle, "main", SQLITE_FCNTL_DATA_VERSION, &version) != SQLITE_OK) {
+        Refuse(handle);
+    }
+    return version;
+}
 
 bool IsSameFile(const struct stat& one, const struct stat& other)
 {
@@ -188,8 +234,9 @@ void SqliteFile::RequireWhole()
 {
     const struct stat now = Status();
     // When another file has taken the name, the next request connects to it.
-    if (!IsSameFile(now, checked) || (now.st_size == checked.st_size && IsSameTime(now.st_mtim, checked.st_mtim) &&
-                                      IsSameTime(now.st_ctim, checked.st_ctim))) {
+    if (!IsSameFile(now, checked) ||
+        (now.st_size == checked.st_size && IsSameTime(now.st_mtim, checked.st_mtim) &&
+         IsSameTime(now.st_ctim, checked.st_ctim) && DataVersionOf(HandleOf(session)) == checkedVersion)) {
         return;
     }
     RequireWholeUnderLock();
@@ -210,8 +257,10 @@ void SqliteFile::RequireWholeUnderLock()
                 "the file's texts are in UTF-16, which cannot be read; make a new file of it, with "
                 "PRAGMA encoding = 'UTF-8'");
         }
-        if (header.IsEmpty() || header.IsWhole()) {
-            break;
+        if (header.IsEmpty() || header.IsWhole(handle)) {
+            RequireTextKeys();
+            checkedVersion = DataVersionOf(handle);
+            return;
         }
         if (!header.HasWriteAheadLog() || tries == mostTries) {
             throw std::runtime_error(
@@ -221,7 +270,6 @@ void SqliteFile::RequireWholeUnderLock()
         }
         std::this_thread::sleep_for(pause);
     }
-    RequireTextKeys();
 }
 
 // SQLite stores values of any type in a text column; a name that is no text is never found. Numbers sort before all
@@ -229,9 +277,12 @@ void SqliteFile::RequireWholeUnderLock()
 void SqliteFile::RequireTextKeys()
 {
     for (const SecurityColumn& column : textColumns) {
-        const std::string rows = std::string("SELECT 1 FROM ") + column.table + " WHERE " + column.name;
-        if (column.isSearched && (HasRow(HandleOf(session), rows + " < '' LIMIT 1") ||
-                                  HasRow(HandleOf(session), rows + " >= x'' LIMIT 1"))) {
+        if (column.indexPrefix == nullptr) {
+            continue;
+        }
+        const std::string rows =
+            std::string("SELECT 1 FROM ") + column.table + " WHERE " + column.indexPrefix + column.name;
+        if (HasRow(HandleOf(session), rows + " < '' LIMIT 1") || HasRow(HandleOf(session), rows + " >= x'' LIMIT 1")) {
             throw std::runtime_error(NotText(column));
         }
     }

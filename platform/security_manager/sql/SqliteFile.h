@@ -24,8 +24,8 @@ public:
     /// Whether the file's name still leads to the file that is open.
     bool IsCurrent() const;
 
-    /// Checks again that the file is complete, if it has changed since the last check. Call it after reading, so that a
-    /// cut before or during the reading is noticed.
+    /// Checks again that the file is complete, if it or its write-ahead log has changed since the last check. Call it
+    /// after reading, so that a cut before or during the reading is noticed.
     void RequireWhole();
 
     /// Lets SQLite read the whole file, and checks that the text columns hold nothing but text. Takes long for large
@@ -38,8 +38,9 @@ private:
     void RequireTextKeys();
 
     soci::session& session;
-    const std::string path; // absolute; may be a link
-    struct stat checked;    // of the file when it was last found complete
+    const std::string path;      // absolute; may be a link
+    struct stat checked;         // of the file when it was last found complete
+    unsigned checkedVersion = 0; // SQLite's data version then
 };
 
 } // namespace secm::platform
