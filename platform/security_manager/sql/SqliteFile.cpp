@@ -7,14 +7,12 @@
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <memory>
 #include <set>
 #include <stdexcept>
-#include <thread>
 #include <utility>
 
 namespace secm::platform {
@@ -142,32 +140,36 @@ public:
     explicit Header(sqlite3* handle)
     {
         sqlite3_file* file = nullptr;
-        if (sqlite3_file_control(handle, "main", SQLITE_FCNTL_FILE_POINTER, &file) != SQLITE_OK ||
-            file->pMethods == nullptr || file->pMethods->xFileSize(file, &fileSize) != SQLITE_OK ||
-            (fileSize != 0 && file->pMethods->xRead(file, bytes.data(), headerSize, 0) != SQLITE_OK)) {
+        const bool isOpen = sqlite3_file_control(handle, "main", SQLITE_FCNTL_FILE_POINTER, &file) == SQLITE_OK &&
+                            file->pMethods != nullptr;
+        // The size is read last: a checkpoint meanwhile only makes the file longer.
+        const int read = isOpen ? file->pMethods->xRead(file, bytes.data(), headerSize, 0) : SQLITE_ERROR;
+        if ((read != SQLITE_OK && read != SQLITE_IOERR_SHORT_READ) ||
+            file->pMethods->xFileSize(file, &fileSize) != SQLITE_OK) {
             throw std::runtime_error("the file's header cannot be read; restore the file from a backup");
         }
     }
 
     bool IsEmpty() const { return fileSize == 0; }
-    bool IsUtf8() const { return NumberAt(bytes.data() + encodingOffset) == utf8; }
+    bool IsUtf8() const { return NumberAt(&bytes[encodingOffset]) == utf8; }
     bool HasWriteAheadLog() const { return bytes[readVersionOffset] == writeAheadLog; }
 
-    // Whether the file has all pages that the header counts, and no part of a page. Pages may be in the write-ahead
-    // log.
+    // Whether the file has all pages that the header counts, and no part of a page. In write-ahead mode the last pages
+    // may be in the log, also while a checkpoint is writing them to the file.
     bool IsWhole(sqlite3* handle) const
     {
         const unsigned stored = (unsigned{bytes[pageSizeOffset]} << 8U) | bytes[pageSizeOffset + 1];
         const sqlite3_int64 pageSize = stored == 1 ? largestPageSize : stored;
-        if (pageSize == 0 || fileSize % pageSize != 0) {
+        if (pageSize == 0) {
             return false;
         }
-        const bool isCountValid =
-            NumberAt(bytes.data() + changeCounterOffset) == NumberAt(bytes.data() + pageCountValidForOffset);
-        const sqlite3_int64 count = NumberAt(bytes.data() + pageCountOffset);
         const sqlite3_int64 present = fileSize / pageSize;
-        return !isCountValid || present >= count ||
-               (HasWriteAheadLog() && LogHolds(handle, pageSize, present + 1, count));
+        const bool isCountValid = NumberAt(&bytes[changeCounterOffset]) == NumberAt(&bytes[pageCountValidForOffset]);
+        const sqlite3_int64 count = isCountValid ? NumberAt(&bytes[pageCountOffset]) : 0;
+        if (isCountValid && HasWriteAheadLog()) {
+            return present >= count || LogHolds(handle, pageSize, present + 1, count);
+        }
+        return present >= count && fileSize % pageSize == 0;
     }
 
 private:
@@ -245,31 +247,27 @@ void SqliteFile::RequireWhole()
 
 void SqliteFile::RequireWholeUnderLock()
 {
-    // A checkpoint of the write-ahead log does not wait for our lock, and writes the header before the last pages.
-    constexpr int mostTries = 20;
-    constexpr std::chrono::milliseconds pause(50);
     sqlite3* handle = HandleOf(session);
-    for (int tries = 1;; ++tries) {
-        const ReadLock lock(handle);
-        const Header header(handle);
-        if (!header.IsEmpty() && !header.IsUtf8()) {
-            throw std::runtime_error(
-                "the file's texts are in UTF-16, which cannot be read; make a new file of it, with "
-                "PRAGMA encoding = 'UTF-8'");
-        }
-        if (header.IsEmpty() || header.IsWhole(handle)) {
-            RequireTextKeys();
-            checkedVersion = DataVersionOf(handle);
-            return;
-        }
-        if (!header.HasWriteAheadLog() || tries == mostTries) {
-            throw std::runtime_error(
-                "the file is shorter than its header says, so rows are missing; restore it from a backup" +
-                std::string(header.HasWriteAheadLog() ? ", or run PRAGMA wal_checkpoint if a checkpoint broke off"
-                                                      : ""));
-        }
-        std::this_thread::sleep_for(pause);
+    const ReadLock lock(handle);
+    const Header header(handle);
+    if (!header.IsEmpty() && !header.IsUtf8()) {
+        throw std::runtime_error("the file's texts are in UTF-16, which cannot be read; make a new file of it, with "
+                                 "PRAGMA encoding = 'UTF-8'");
     }
+    if (!header.IsEmpty() && !header.IsWhole(handle)) {
+        throw std::runtime_error(
+            "the file is shorter than its header says, so rows are missing; restore it from a backup");
+    }
+    // SQLite reads any log that stands beside a file, in place of the file's own pages.
+    const char* log = sqlite3_filename_wal(sqlite3_db_filename(handle, "main"));
+    struct stat status {};
+    if (!header.HasWriteAheadLog() && stat(log, &status) == 0 && status.st_size != 0) {
+        throw std::runtime_error("the write-ahead log beside the file belongs to another file, which had this name "
+                                 "before; remove " +
+                                 std::string(log) + " and the -shm beside it");
+    }
+    RequireTextKeys();
+    checkedVersion = DataVersionOf(handle);
 }
 
 // SQLite stores values of any type in a text column; a name that is no text is never found. Numbers sort before all
