@@ -4,6 +4,9 @@
 #include "tests/Cases.h"
 #include "tests/integration/Workspace.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <atomic>
 #include <cstdlib>
 #include <memory>
@@ -106,6 +109,30 @@ TEST_F(ReloadTest, NoPartOfAFileIsTakenWhereItsEndIsRequired)
     Write("a.toml", whole.substr(0, whole.size() - 1)); // the last line without its end
     EXPECT_NE(CFG_Factory::GetRepositoryServices(), nullptr);
     Write("a.toml", whole);
+    CFG_Factory::Reload();
+}
+
+TEST_F(ReloadTest, AFileThatChangesWhileItIsReadIsRefused)
+{
+    Write("a.toml", Configuration("A") + std::string(10'000'000, '#'));
+    std::atomic<bool> isOver = false;
+    std::thread writer([&] {
+        for (int second = 0; !isOver; ++second) {
+            const timespec times[] = {{second, 0}, {second, 0}};
+            utimensat(AT_FDCWD, Path("a.toml").c_str(), times, 0);
+        }
+    });
+    bool isRefused = false;
+    for (int tries = 0; !isRefused && tries < 100; ++tries) {
+        try {
+            CFG_Factory::Reload();
+        } catch (const CFG_Error& error) {
+            isRefused = std::string(error.what()).find("the file changed while it was read") != std::string::npos;
+        }
+    }
+    EXPECT_TRUE(isRefused);
+    isOver = true;
+    writer.join();
     CFG_Factory::Reload();
 }
 

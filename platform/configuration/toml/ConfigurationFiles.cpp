@@ -174,6 +174,12 @@ std::string ReadFile(const std::string& path)
         RefuseAfterError(path, "cannot be read");
     }
     std::string content = ReadToEnd(file, path);
+    // The beginning of one version with the end of another would look whole.
+    struct stat after {};
+    if (!isPipe && (fstat(file.Get(), &after) != 0 || after.st_size != status.st_size ||
+                    after.st_mtim.tv_sec != status.st_mtim.tv_sec || after.st_mtim.tv_nsec != status.st_mtim.tv_nsec)) {
+        Refuse(path, "the file changed while it was read; write a new file beside it and rename that");
+    }
     if (isPipe && content.empty()) {
         // A pipe can be read only once. An empty configuration would restrict nobody.
         Refuse(path, "the pipe holds nothing, or was read before; name a regular file to read it more than once");
