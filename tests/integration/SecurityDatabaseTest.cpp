@@ -223,10 +223,10 @@ TEST_P(ChangedFileTest, IsReadAsItIsOrRefused)
         MakeDatabase("security.db", SampleText("security.sql") + "COMMIT; PRAGMA journal_mode = " + mode + "; BEGIN;");
         const auto accessControl =
             ConnectedManager(SAMPLE_FOLDER "/archive.toml", "documents", "sqlite3://db=" + Path("security.db"));
-        const auto answer = [&]() -> std::string {
+        const auto answer = [&, byLogIn = logsIn]() -> std::string {
             try {
-                return logsIn ? accessControl->GetAccessControlFilter("hugo", "")
-                              : accessControl->GetAccessControlFilter("hugo");
+                return byLogIn ? accessControl->GetAccessControlFilter("hugo", "")
+                               : accessControl->GetAccessControlFilter("hugo");
             } catch (const std::runtime_error& error) {
                 return error.what();
             }
