@@ -1,13 +1,15 @@
 // The command line's list of users, against a second reading of it that looks at one byte after the other. An input
 // that begins with "!" is a list that breaks off after its last byte, as on a broken disk.
 #include "fuzz/Fuzzing.h"
-#include "tools/acfilter/UserList.h"
+#include "tools/acfilter/io/UserList.h"
 
 #include <stdexcept>
 #include <streambuf>
 #include <vector>
 
 namespace {
+
+using namespace secm::acfilter;
 
 struct Reading {
     std::vector<std::string> names;

@@ -55,3 +55,7 @@ public:
 /// what `connectionText` keeps secret, when that fails. Null where the security manager does not offer it.
 PLATFORM_EXPORT __attribute__((weak)) std::unique_ptr<SECM_ListingInterface>
 openSECM_Listing(const char* connectionText, unsigned timeoutSeconds);
+
+PLATFORM_EXPORT __attribute__((weak)) void requireSECM_AllowedGrant(const PermissionBase& permission);
+PLATFORM_EXPORT __attribute__((weak)) void requireSECM_AllowedAttribute(const std::string& name,
+                                                                        const std::string& value);

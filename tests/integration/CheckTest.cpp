@@ -172,7 +172,7 @@ TEST_F(CheckTest, EveryCheckIsDocumentedInItsOrder)
         codes += section->code + "\n";
     }
     EXPECT_EQ(
-        Run("grep -oh 'AC0[0-9][0-9]\",' " SAMPLE_FOLDER "/../../tools/acfilter/*.cpp | cut -c -5 | sort -u").output,
+        Run("grep -oh 'AC0[0-9][0-9]\",' " SAMPLE_FOLDER "/../../analysis/check/*.cpp | cut -c -5 | sort -u").output,
         codes);
 }
 

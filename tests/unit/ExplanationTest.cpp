@@ -1,8 +1,8 @@
 // How an explanation shows what is long, and what was tried.
-#include "tools/acfilter/Explanation.h"
+#include "tools/acfilter/render/Explanation.h"
+#include "analysis/trace/Tracer.h"
 #include "tests/unit/ScriptedPlatform.h"
-#include "tools/acfilter/ExplainingManager.h"
-#include "tools/acfilter/Printable.h"
+#include "tools/acfilter/render/Printable.h"
 
 #include <stdexcept>
 
@@ -10,22 +10,25 @@ using testing::HasSubstr;
 
 namespace {
 
+using namespace secm::analysis;
+using namespace secm::acfilter;
+
 // Of a user with these resources, whose condition came out as `text`.
 std::string Explained(const std::string& text, const Lines& resources, const TextStyle& style)
 {
-    FieldDefinition field;
-    ConditionDefinition condition;
-    Explanation explanation{"docs", {}, {{"f", {{}}}}, {}};
-    explanation.account.answer = {text, Outcome::restricted};
-    FieldAccount& account = explanation.account.fields.emplace_back();
-    account.definition = &field;
-    account.isHeld = false;
-    account.conditions.push_back({&condition, {}, {}, text});
-    account.clause = text;
+    const auto rule = std::make_shared<FieldRule>();
+    rule->conditions.resize(1);
+    Trace trace;
+    trace.answer = {text, Outcome::restricted};
+    FieldTrace& field = trace.fields.emplace_back();
+    field.rule = rule;
+    ConditionTrace& condition = field.conditions.emplace_back();
+    condition.rule = &rule->conditions.front();
+    condition.text = field.clause = text;
     for (const std::string& resource : resources) {
-        account.values.push_back({resource, resource, std::nullopt});
+        field.values.push_back({resource, resource, std::nullopt});
     }
-    return ExplanationText(explanation, style);
+    return ExplanationText(trace, style);
 }
 
 TEST(ExplanationTest, CutsLongTextsBetweenCharacters)
@@ -103,8 +106,8 @@ TEST_F(TriedChangesTest, AreRefusedWhereTheyCannotBeTried)
     };
     for (const auto& [missing, tried, refusal] : cases) {
         script.answers.clear();
-        ExplainingManager manager("docs", tried);
-        manager.InitSecurityConnection("text", 7);
+        Tracer manager("docs", tried);
+        manager.Connect("text", 7);
         manager.Explain({"other", "", false});
         script.answers[missing] = false;
         try {
@@ -118,13 +121,14 @@ TEST_F(TriedChangesTest, AreRefusedWhereTheyCannotBeTried)
 
 TEST_F(TriedChangesTest, AreCountedAfreshForEachRequest)
 {
-    ExplainingManager manager("docs", {{}, {}, {{"p:a"}}});
-    manager.InitSecurityConnection("text", 7);
+    Tracer manager("docs", {{}, {}, {{"p:a"}}});
+    manager.Connect("text", 7);
     for (const bool isKnown : {true, true, false}) {
         for (const bool withoutLogin : {false, true}) {
             script.answers["user details"] = script.answers["logged in"] = isKnown;
-            EXPECT_EQ(manager.Explain({"u", "", withoutLogin}).answer.filter, isKnown ? "b" : "");
-            EXPECT_EQ(manager.Tried().revocations.front().revoked, isKnown ? 1U : 0U);
+            const Trace trace = manager.Explain({"u", "", withoutLogin});
+            EXPECT_EQ(trace.answer.filter, isKnown ? "b" : "");
+            EXPECT_EQ(trace.tried.revocations.front().revoked, isKnown ? 1U : 0U);
         }
     }
 }

@@ -1,9 +1,11 @@
-#include "tools/acfilter/Printable.h"
+#include "tools/acfilter/render/Printable.h"
 
 #include "tests/Cases.h"
-#include "tools/acfilter/Json.h"
+#include "tools/acfilter/render/Json.h"
 
 namespace {
+
+using namespace secm::acfilter;
 
 class PrintableTest : public testing::TestWithParam<Lines> {};
 

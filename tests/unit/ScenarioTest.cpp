@@ -1,13 +1,13 @@
 // Whole lives of a manager, played from a text: what stands in the configuration and what the platform
 // answers, then what is asked of the manager, each with the answer ("= ") and everything that went outside
 // meanwhile ("> ").
+#include "analysis/trace/Tracer.h"
 #include "platform/security_manager/PermissionListInterface.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
 #include "tests/Permissions.h"
 #include "tests/unit/FailingAllocation.h"
 #include "tests/unit/ScriptedPlatform.h"
-#include "tools/acfilter/ExplainingManager.h"
-#include "tools/acfilter/Explanation.h"
+#include "tools/acfilter/render/Explanation.h"
 
 #include <algorithm>
 #include <cctype>
@@ -18,6 +18,9 @@
 #include <stdexcept>
 
 namespace {
+
+using namespace secm::analysis;
+using namespace secm::acfilter;
 
 std::string Joined(const Lines& texts)
 {
@@ -59,8 +62,8 @@ public:
     std::string Watched(const std::string& request) const
     {
         const bool isByName = request.starts_with("byname");
-        ExplainingManager explaining(manager->repositoryName);
-        explaining.InitSecurityConnection("text", 7);
+        Tracer explaining(manager->repositoryName);
+        explaining.Connect("text", 7);
         return explaining.Explain({request.substr(isByName ? 7 : 6), "ip", isByName}).answer.filter;
     }
 
@@ -185,24 +188,21 @@ private:
     // By a manager of its own, of the same repository.
     std::string ExplainedText(const std::string& user, bool withoutLogin) const
     {
-        ExplainingManager explaining(manager->repositoryName, tried);
-        explaining.InitSecurityConnection("text", 7);
-        Account account = explaining.Explain({user, "ip", withoutLogin});
-        return ExplanationText({manager->repositoryName, std::move(account),
-                                NamesOfDefinitions(manager->repositoryName), explaining.Tried()},
-                               {});
+        Tracer explaining(manager->repositoryName, tried);
+        explaining.Connect("text", 7);
+        return ExplanationText(explaining.Explain({user, "ip", withoutLogin}), {});
     }
 
     // One manager for all that is asked until the next "watch", with what is tried by then.
     std::string Watch()
     {
-        watching = std::make_unique<WatchingManager>(manager->repositoryName, tried);
-        return Truth(watching->InitSecurityConnection("text", 7));
+        watching = std::make_unique<Tracer>(manager->repositoryName, tried);
+        return Truth(watching->Connect("text", 7));
     }
 
     std::string Asked(const std::string& user, bool withoutLogin) const
     {
-        const Answer given = watching->Ask({user, "ip", withoutLogin});
+        const Answer given = watching->Explain({user, "ip", withoutLogin}).answer;
         return NameOf(given.outcome) + Joined({given.filter});
     }
 
@@ -210,7 +210,7 @@ private:
     SecurityManagerInterface* const security = ScriptedSecurityManager();
     SecurityManagerInterface* const nobody = nullptr;
     std::unique_ptr<WatchedManager> manager;
-    std::unique_ptr<WatchingManager> watching;
+    std::unique_ptr<Tracer> watching;
     WhatIf tried;
     const std::map<std::string, std::function<std::string(Text)>> commands = {
         {"create", [this](Text name) { return (manager = std::make_unique<WatchedManager>(name)), Definitions(); }},

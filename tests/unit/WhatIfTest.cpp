@@ -1,10 +1,12 @@
 // What administrators may try: their words for it, and what becomes of a user's permissions.
-#include "tools/acfilter/WhatIf.h"
+#include "analysis/trace/WhatIf.h"
 #include "tests/Permissions.h"
 
 #include <algorithm>
 
 namespace {
+
+using namespace secm::analysis;
 
 std::string Shown(const PermissionBase& permission)
 {
@@ -57,7 +59,7 @@ TEST_P(ChangedPermissionsTest, AreHeld)
     }
     EXPECT_EQ(tried.ChangesPermissions(), !tried.IsEmpty());
     Lines held, counts;
-    for (const PermissionBase& permission : tried.Applied(permissions(row.at(1)))) {
+    for (const PermissionBase& permission : Applied(tried, permissions(row.at(1)))) {
         held.push_back(Shown(permission));
     }
     for (const WhatIf::Revocation& revocation : tried.revocations) {

@@ -1,0 +1,149 @@
+#include "analysis/trace/TracingManager.h"
+
+#include <utility>
+
+namespace secm::analysis {
+
+Tracer::TracingManager::TracingManager(const std::string& repository, WhatIf triedChanges)
+    : RulesManager(repository), tried(std::move(triedChanges)), recorder(Rules())
+{
+}
+
+bool Tracer::TracingManager::InitSecurityConnection(const char* connectionText, unsigned connectionValue)
+{
+    if (!SECM_AccessControlManager::InitSecurityConnection(connectionText, connectionValue)) {
+        return false;
+    }
+    if (!tried.IsEmpty()) {
+        changedSecurityManager.emplace(*securityManager, *adminInterface, static_cast<ListMatching&>(*this), tried);
+        changedAdministration.emplace(*adminInterface, tried);
+        securityManager = &*changedSecurityManager;
+        adminInterface = &*changedAdministration;
+    }
+    tracedSecurityManager.emplace(*securityManager, recorder);
+    tracedAdministration.emplace(*adminInterface, recorder);
+    securityManager = &*tracedSecurityManager;
+    adminInterface = &*tracedAdministration;
+    return true;
+}
+
+Trace Tracer::TracingManager::Explain(const Request& request)
+{
+    for (WhatIf::Revocation& revocation : tried.revocations) {
+        revocation.revoked = 0; // for a user who is not known
+    }
+    recorder.Begin(request);
+    std::string filter = request.withoutLogin ? GetAccessControlFilter(request.userName)
+                                              : GetAccessControlFilter(request.userName, request.ipAddress);
+    return recorder.Finish(std::move(filter), tried);
+}
+
+void Tracer::TracingManager::ReplaceSingleValueForUser(std::string& value, const FieldDefinition& field,
+                                                       UserDetailsInterface* userDetails)
+{
+    std::string resource = value;
+    recorder.BeginStep();
+    SECM_AccessControlManager::ReplaceSingleValueForUser(value, field, userDetails);
+    recorder.AddValue(std::move(resource), value);
+}
+
+void Tracer::TracingManager::ReplaceSingleValue(std::string& value, const FieldDefinition& field,
+                                                SecurityManagerInterface* secmInterface)
+{
+    const std::size_t before = recorder.ValueCount();
+    recorder.BeginStep();
+    SECM_AccessControlManager::ReplaceSingleValue(value, field, secmInterface);
+    if (recorder.ValueCount() == before) { // nothing was told of the user
+        recorder.AddValue(value, value);
+    }
+}
+
+std::string Tracer::TracingManager::HandleSingleConditionForUser(const ConditionDefinition& condition,
+                                                                 const std::vector<std::string>& values,
+                                                                 UserDetailsInterface* userDetails)
+{
+    recorder.AddCondition(RuleOf(condition));
+    recorder.BeginStep();
+    std::string text = SECM_AccessControlManager::HandleSingleConditionForUser(condition, values, userDetails);
+    recorder.OpenCondition().attributes = recorder.TakeAttributes();
+    recorder.OpenCondition().text = text;
+    return text;
+}
+
+std::string Tracer::TracingManager::HandleSingleCondition(const ConditionDefinition& condition,
+                                                          const std::vector<std::string>& values,
+                                                          SecurityManagerInterface* secmInterface)
+{
+    const std::size_t before = recorder.ConditionCount();
+    std::string text = SECM_AccessControlManager::HandleSingleCondition(condition, values, secmInterface);
+    if (recorder.ConditionCount() == before) {
+        ConditionTrace& untold = recorder.AddCondition(RuleOf(condition));
+        untold.text = text;
+        untold.userIsTold = false;
+    }
+    return text;
+}
+
+std::string Tracer::TracingManager::ApplyValuesFunction(const std::string& value, const ConditionDefinition& condition)
+{
+    std::string mapped = SECM_AccessControlManager::ApplyValuesFunction(value, condition);
+    if (condition.valuesFunction) {
+        recorder.OpenCondition().mapped.push_back(mapped);
+    }
+    return mapped;
+}
+
+bool Tracer::TracingManager::CheckPermissionInList(PermissionListInterface* permissionList,
+                                                   const PermissionBase& permission)
+{
+    const bool isHeld = SECM_AccessControlManager::CheckPermissionInList(permissionList, permission);
+    recorder.AddPermission(permission, isHeld);
+    return isHeld;
+}
+
+bool Tracer::TracingManager::GetResourcesFromList(PermissionListInterface* permissionList,
+                                                  const std::string& permissionName, unsigned permissionValue,
+                                                  std::vector<std::string>& resources)
+{
+    const bool areTold =
+        SECM_AccessControlManager::GetResourcesFromList(permissionList, permissionName, permissionValue, resources);
+    recorder.AddResources(resources, areTold);
+    return areTold;
+}
+
+bool Tracer::TracingManager::Holds(PermissionListInterface& list, const PermissionBase& permission)
+{
+    return SECM_AccessControlManager::CheckPermissionInList(&list, permission);
+}
+
+bool Tracer::TracingManager::Resources(PermissionListInterface& list, const std::string& permissionName,
+                                       unsigned permissionValue, std::vector<std::string>& resources)
+{
+    return SECM_AccessControlManager::GetResourcesFromList(&list, permissionName, permissionValue, resources);
+}
+
+Tracer::Tracer(const std::string& repository, WhatIf tried)
+    : manager(std::make_unique<TracingManager>(repository, std::move(tried)))
+{
+}
+
+Tracer::~Tracer() = default;
+Tracer::Tracer(Tracer&& other) noexcept = default;
+Tracer& Tracer::operator=(Tracer&& other) noexcept = default;
+
+bool Tracer::Connect(const char* connectionText, unsigned timeoutSeconds)
+{
+    return manager->InitSecurityConnection(connectionText, timeoutSeconds);
+}
+
+Trace Tracer::Explain(const Request& request)
+{
+    return manager->Explain(request);
+}
+
+const RepositoryRules& Tracer::Rules() const
+{
+    return manager->Rules();
+}
+
+} // namespace secm::analysis

@@ -1,0 +1,70 @@
+#include "analysis/trace/WhatIf.h"
+
+#include <charconv>
+
+namespace secm::analysis {
+
+namespace {
+
+bool IsMeant(const std::string& revoked, const PermissionBase& permission)
+{
+    const std::string name = permission.name();
+    return revoked == name || (permission.resource() != nullptr && revoked == name + ":" + permission.resource());
+}
+
+} // namespace
+
+std::vector<PermissionBase> Applied(WhatIf& tried, const std::vector<PermissionBase>& permissions)
+{
+    for (WhatIf::Revocation& revocation : tried.revocations) {
+        revocation.revoked = 0;
+    }
+    std::vector<PermissionBase> applied;
+    for (const PermissionBase& permission : permissions) {
+        bool isRevoked = false;
+        for (WhatIf::Revocation& revocation : tried.revocations) {
+            // A permission that several revocations name counts for each of them.
+            if (IsMeant(revocation.permission, permission)) {
+                ++revocation.revoked;
+                isRevoked = true;
+            }
+        }
+        if (!isRevoked) {
+            applied.push_back(permission);
+        }
+    }
+    applied.insert(applied.end(), tried.grants.begin(), tried.grants.end());
+    return applied;
+}
+
+std::optional<std::pair<std::string, std::string>> AttributeFrom(const std::string& text)
+{
+    const std::size_t equalSign = text.find('=');
+    if (equalSign == std::string::npos || equalSign == 0) {
+        return std::nullopt;
+    }
+    return std::pair(text.substr(0, equalSign), text.substr(equalSign + 1));
+}
+
+std::optional<PermissionBase> GrantFrom(const std::string& text)
+{
+    // A name may hold colons: the value is the first number that stands between two, or between one and the end.
+    for (std::size_t colon = text.find(':'); colon != std::string::npos; colon = text.find(':', colon + 1)) {
+        unsigned value = 0;
+        const char* end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data() + colon + 1, end, value);
+        if (colon == 0 || (stop != end && *stop != ':')) {
+            continue; // not where a value stands
+        }
+        if (error == std::errc::result_out_of_range) {
+            return std::nullopt; // a mistyped value is no part of the name
+        }
+        if (error == std::errc()) {
+            const char* resource = stop == end ? nullptr : stop + 1;
+            return PermissionBase(text.substr(0, colon).c_str(), value, resource, false);
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace secm::analysis

@@ -1,4 +1,0 @@
-// What a shell learns of a command.
-#pragma once
-
-enum ExitStatus : int { done = 0, failed = 1, wrongCommandLine = 2, configurationIsWrong = 3, wider = 4 };

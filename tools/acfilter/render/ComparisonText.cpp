@@ -1,0 +1,102 @@
+// A comparison as people read it.
+#include "tools/acfilter/render/ComparisonWriter.h"
+
+#include "tools/acfilter/render/Explanation.h"
+#include "tools/acfilter/render/Printable.h"
+#include "tools/acfilter/render/TextLayout.h"
+
+namespace secm::acfilter {
+
+namespace {
+
+std::string Listed(const char* sign, const std::vector<std::string>& values, bool isFull)
+{
+    if (values.empty()) {
+        return {};
+    }
+    return sign + ShortList(
+                      values.size(), [&](std::size_t n) { return Quoted(values[n]); }, isFull);
+}
+
+std::string FieldText(const analysis::FieldChange& field, bool isFull)
+{
+    std::string text = NameOf(field.change);
+    text += field.because.empty() ? "" : ", " + field.because;
+    text += Listed(", added ", field.added, isFull) + Listed(", removed ", field.removed, isFull);
+    return LabelledLine(3, Printable(field.field), text);
+}
+
+std::string FilterText(const std::string& filter, bool isFull)
+{
+    return filter.empty() ? std::string("(") + noRestriction + ")" : ShortText(filter, isFull);
+}
+
+std::string BeforeAndNow(const std::string& before, const std::string& now, bool isFull)
+{
+    return LabelledLine(3, "before", FilterText(before, isFull)) + LabelledLine(3, "now", FilterText(now, isFull));
+}
+
+std::string UnknownText(const Comparison& comparison)
+{
+    std::string names;
+    for (const UnknownUser& user : comparison.FirstUnknown()) {
+        names += (names.empty() ? "" : ", ") + Quoted(user.name) +
+                 (user.known.empty() ? "" : " (" + Quoted(user.known) + " is known)");
+    }
+    const bool areMore = comparison.UnknownCount() > comparison.FirstUnknown().size();
+    return names.empty() ? names
+                         : LabelledLine(0, "Unknown",
+                                        std::to_string(comparison.UnknownCount()) +
+                                            " of them, on both sides: " + names + (areMore ? ", ..." : ""));
+}
+
+} // namespace
+
+std::string SummaryText(const Comparison& comparison)
+{
+    const ComparisonHead& head = comparison.head;
+    std::string kinds;
+    for (const analysis::Change change : toldChanges) {
+        kinds += std::to_string(comparison.CountOf(change)) + " " + NameOf(change) + ", ";
+    }
+    std::string excluding;
+    for (const std::string& field : head.excluding) {
+        excluding += (excluding.empty() ? "" : ", ") + Printable(field);
+    }
+    std::string settings;
+    for (const analysis::SettingChange& setting : comparison.Settings()) {
+        settings +=
+            LabelledLine(0, "Setting",
+                         std::string(setting.setting) + ": " + NameOf(setting.change) + " for " + setting.users) +
+            BeforeAndNow(setting.before, setting.after, true);
+    }
+    return LabelledLine(0, "Repository", Quoted(head.repository)) + LabelledLine(0, "Before", Printable(head.before)) +
+           LabelledLine(0, "After",
+                        Printable(head.after) + (head.hasOtherDatabase ? ", with another security database" : "")) +
+           LabelledLine(0, "Users",
+                        std::to_string(comparison.CountOfAll()) + ": " + kinds +
+                            std::to_string(comparison.CountOf(analysis::Change::same)) + " the same") +
+           UnknownText(comparison) + settings +
+           LabelledLine(0, "Assumed", "each further value of a field shows more records, each further field fewer;") +
+           LabelledLine(0, "", "a template means the same beside others, and for one value as for several") +
+           (excluding.empty()
+                ? LabelledLine(0, "", "(name fields whose values are left out of what is shown: --excluding)")
+                : LabelledLine(0, "", "excluding, so that each further value shows fewer: " + excluding));
+}
+
+std::string UserChangeText(const analysis::UserChange& user, bool isFull)
+{
+    const std::string was = NameOf(user.before.outcome);
+    const std::string is = NameOf(user.after.outcome);
+    std::string text = Quoted(user.user) + ": " + (was == is ? is : was + " before, " + is + " now") +
+                       (user.because.empty() ? "" : "; " + user.because) + "\n";
+    for (const analysis::FieldChange& field : user.fields) {
+        text += FieldText(field, isFull);
+    }
+    if (user.change == analysis::Change::changed) {
+        text += BeforeAndNow(user.before.filter, user.after.filter, isFull);
+    }
+    return text;
+}
+
+} // namespace secm::acfilter

@@ -1,0 +1,56 @@
+// Who sees what, a row a user: the forms in which it is written.
+#pragma once
+
+#include "tools/acfilter/commands/ConfigurationDigest.h"
+#include "tools/acfilter/commands/RequestOptions.h"
+#include "tools/acfilter/io/OutputFile.h"
+#include "tools/acfilter/render/ReportRow.h"
+
+#include <array>
+#include <memory>
+
+namespace secm::acfilter {
+
+struct ReportHead {
+    std::string repository;
+    std::vector<std::string> fields; ///< Their names, in the order of the cells.
+    RequestOptions request;
+    bool showValues = false;               ///< Else how many there are.
+    bool isFull = false;                   ///< Else long lists and texts are cut short in the form for people.
+    bool isForTerminal = false;            ///< Then no control character goes out as it is.
+    std::vector<FileDigest> configuration; ///< Only for the form that shows them.
+    std::string generated;                 ///< When, in UTC.
+};
+
+/// Writes to `output`, which it does not finish. Head and output live as long as it does. Each operation throws
+/// std::runtime_error when it cannot write.
+class ReportWriter {
+public:
+    virtual ~ReportWriter() = default;
+    virtual void Add(const AccessRow& row) = 0;
+    virtual void Finish() {}
+};
+
+std::unique_ptr<ReportWriter> MakeTextReport(const ReportHead& head, OutputFile& output);
+std::unique_ptr<ReportWriter> MakeCsvReport(const ReportHead& head, OutputFile& output);
+std::unique_ptr<ReportWriter> MakeJsonReport(const ReportHead& head, OutputFile& output);
+std::unique_ptr<ReportWriter> MakeHtmlReport(const ReportHead& head, OutputFile& output);
+
+/// How many users have each outcome.
+class OutcomeCounts {
+public:
+    void Add(analysis::Outcome outcome) { ++counts.at(static_cast<std::size_t>(outcome)); }
+    unsigned long long Of(analysis::Outcome outcome) const { return counts.at(static_cast<std::size_t>(outcome)); }
+    unsigned long long All() const { return counts[0] + counts[1] + counts[2] + counts[3]; }
+
+private:
+    std::array<unsigned long long, 4> counts{};
+};
+
+inline constexpr std::array allOutcomes = {analysis::Outcome::unrestricted, analysis::Outcome::restricted,
+                                           analysis::Outcome::hideAll, analysis::Outcome::unknownUser};
+
+/// A cell for people: "all", "none", "not asked", or how many values; with `values` (a list of them) these follow.
+std::string CellText(const AccessCell& cell, const std::string& values);
+
+} // namespace secm::acfilter
