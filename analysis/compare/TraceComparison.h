@@ -14,7 +14,7 @@ namespace secm::analysis {
 enum class Change { wider, changed, narrower, same };
 
 /// "wider", "changed", "narrower" or "same".
-const char* NameOf(Change change);
+SECM_ANALYSIS_EXPORT const char* NameOf(Change change);
 
 struct FieldChange {
     std::string field;
@@ -42,7 +42,7 @@ struct SettingChange {
     std::string after;
 };
 
-class TraceComparison {
+class SECM_ANALYSIS_EXPORT TraceComparison {
 public:
     /// `excludingFields` are those whose templates let through what their values do not name.
     TraceComparison(FilterSettings settingsBefore, FilterSettings settingsAfter, std::set<std::string> excludingFields);

@@ -34,7 +34,7 @@ public:
     const RepositoryRules& Rules() const;
 
 private:
-    class TracingManager;
+    class __attribute__((visibility("hidden"))) TracingManager;
     std::unique_ptr<TracingManager> manager;
 };
 

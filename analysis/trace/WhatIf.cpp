@@ -4,39 +4,6 @@
 
 namespace secm::analysis {
 
-namespace {
-
-bool IsMeant(const std::string& revoked, const PermissionBase& permission)
-{
-    const std::string name = permission.name();
-    return revoked == name || (permission.resource() != nullptr && revoked == name + ":" + permission.resource());
-}
-
-} // namespace
-
-std::vector<PermissionBase> Applied(WhatIf& tried, const std::vector<PermissionBase>& permissions)
-{
-    for (WhatIf::Revocation& revocation : tried.revocations) {
-        revocation.revoked = 0;
-    }
-    std::vector<PermissionBase> applied;
-    for (const PermissionBase& permission : permissions) {
-        bool isRevoked = false;
-        for (WhatIf::Revocation& revocation : tried.revocations) {
-            // A permission that several revocations name counts for each of them.
-            if (IsMeant(revocation.permission, permission)) {
-                ++revocation.revoked;
-                isRevoked = true;
-            }
-        }
-        if (!isRevoked) {
-            applied.push_back(permission);
-        }
-    }
-    applied.insert(applied.end(), tried.grants.begin(), tried.grants.end());
-    return applied;
-}
-
 std::optional<std::pair<std::string, std::string>> AttributeFrom(const std::string& text)
 {
     const std::size_t equalSign = text.find('=');

@@ -28,10 +28,6 @@ struct WhatIf {
     bool ChangesPermissions() const { return !grants.empty() || !revocations.empty(); }
 };
 
-/// A user's permissions as they would be: without what is revoked, and with what is granted behind the others. Counts
-/// in `tried` what each revocation takes away.
-SECM_ANALYSIS_EXPORT std::vector<PermissionBase> Applied(WhatIf& tried, const std::vector<PermissionBase>& permissions);
-
 /// NAME=VALUE, where the value may be empty. Nothing when `text` is not that.
 SECM_ANALYSIS_EXPORT std::optional<std::pair<std::string, std::string>> AttributeFrom(const std::string& text);
 

@@ -13,6 +13,10 @@
 
 namespace secm::analysis {
 
+/// A user's permissions as they would be: without what is revoked, and with what is granted behind the others. Counts
+/// in `tried` what each revocation takes away.
+std::vector<PermissionBase> Applied(WhatIf& tried, const std::vector<PermissionBase>& permissions);
+
 /// How the module answers from a permission list what a security manager answers of a user who is logged in.
 class ListMatching {
 public:

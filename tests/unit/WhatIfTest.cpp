@@ -1,5 +1,5 @@
 // What administrators may try: their words for it, and what becomes of a user's permissions.
-#include "analysis/trace/WhatIf.h"
+#include "analysis/trace/WhatIfDecorators.h"
 #include "tests/Permissions.h"
 
 #include <algorithm>
