@@ -25,9 +25,9 @@ public:
     bool Connect(const char* connectionText, unsigned timeoutSeconds);
 
     /// Composes the user's filter by the module and tells how it came about. The filter is the one that a request of a
-    /// host gets; with changes that are tried, the one that it would get. Needs a connection.
-    /// Throws what a request throws, and std::runtime_error when the changes cannot be tried, or when a request would
-    /// refuse what they grant.
+    /// host gets; with changes that are tried, the one that it would get.
+    /// Throws what a request throws, and std::runtime_error when there is no connection, when the changes cannot be
+    /// tried, or when a request would refuse what they grant.
     Trace Explain(const Request& request);
 
     /// What the configuration says. Valid as long as the object.

@@ -1,5 +1,6 @@
 #include "analysis/trace/TracingManager.h"
 
+#include <stdexcept>
 #include <utility>
 
 namespace secm::analysis {
@@ -11,6 +12,7 @@ Tracer::TracingManager::TracingManager(const std::string& repository, WhatIf tri
 
 bool Tracer::TracingManager::InitSecurityConnection(const char* connectionText, unsigned connectionValue)
 {
+    tracedSecurityManager.reset(); // without a connection there is nothing to trace
     if (!SECM_AccessControlManager::InitSecurityConnection(connectionText, connectionValue)) {
         return false;
     }
@@ -29,6 +31,9 @@ bool Tracer::TracingManager::InitSecurityConnection(const char* connectionText, 
 
 Trace Tracer::TracingManager::Explain(const Request& request)
 {
+    if (!tracedSecurityManager) {
+        throw std::runtime_error("there is no connection to the security manager; connect the tracer first");
+    }
     for (WhatIf::Revocation& revocation : tried.revocations) {
         revocation.revoked = 0; // for a user who is not known
     }
