@@ -1,4 +1,5 @@
-// Tells the security manager whom to log in: what the request wrote here just before.
+// Answers the security manager's questions about a log-in. A request writes the answers into the members before it
+// logs in.
 #pragma once
 
 #include "platform/security_manager/SECM_CallBackInterface.h"
@@ -7,7 +8,7 @@
 
 class AccessControlCallback : public SECM_CallBackInterface {
 public:
-    /// Under which application users log in; asked for again when the log-in is tested.
+    /// The application that users log in to; after `Login`, `IsLoggedIn` is called with the same name.
     static constexpr const char* applicationName = "brantor";
 
     bool GetApplicationName(std::string& out) override;

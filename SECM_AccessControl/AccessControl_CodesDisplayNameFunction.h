@@ -1,5 +1,5 @@
 // Maps a code to its display name, from one code table of the configuration.
-// The table is read once; mapping never goes back to the repository.
+// Initialize reads the table once; MapValue does not read the configuration.
 #pragma once
 
 #include "SECM_AccessControl/AccessControl_ValuesFunctionInterface.h"
@@ -13,7 +13,8 @@ public:
 
     bool Initialize(std::string codeTable) override;
 
-    /// An unknown code maps to the empty text, never to itself: what has no name must not reach the filter.
+    /// Maps an unknown code to the empty text, never to itself: a code without a display name must not reach the
+    /// filter. Always returns true.
     bool MapValue(const std::string& code, std::string& displayName) override;
 
     ~AccessControl_CodesDisplayNameFunction() override;

@@ -41,7 +41,7 @@ bool AccessControl_SiteIdToIssuerFunction::Initialize(std::string /*configuratio
                                          std::string(issuer.data(), issuer.length()));
         }
     }
-    // Up to its first NUL, unlike an issuer of a site's own.
+    // Ends at its first NUL, unlike the issuer of a site.
     defaultIssuer = static_cast<const char*>(
         repository->GetValueByPath(RWCString(configuration_paths::system) + configuration_paths::issuer));
     return true;

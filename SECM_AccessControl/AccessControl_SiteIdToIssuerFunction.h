@@ -1,5 +1,5 @@
-// Maps a site identifier to the site's assigning authority (its issuer), and a site without one of its own to
-// the system-wide default. Both are read once; mapping never goes back to the repository.
+// Maps a site identifier to the site's assigning authority (its issuer). A site without one maps to the system-wide
+// issuer. Initialize reads both once; MapValue does not read the configuration.
 #pragma once
 
 #include "SECM_AccessControl/AccessControl_ValuesFunctionInterface.h"
@@ -11,9 +11,10 @@ class AccessControl_SiteIdToIssuerFunction : public AccessControl_ValuesFunction
 public:
     static AccessControl_ValuesFunctionInterface* CreateInstance();
 
-    /// Reads the same sites whatever `configuration` says.
+    /// Ignores `configuration`: there is one list of sites.
     bool Initialize(std::string configuration) override;
 
+    /// Always returns true.
     bool MapValue(const std::string& siteId, std::string& issuer) override;
 
     ~AccessControl_SiteIdToIssuerFunction() override;

@@ -1,5 +1,5 @@
 // Fills a condition template for one field's values and one user. The order of the replacements is part of
-// the template language: each searches what earlier ones put in as well.
+// the template language: each replacement also searches the text that earlier ones inserted.
 #include "SECM_AccessControl/SECM_AccessControlManager.h"
 
 #include "SECM_AccessControl/Log.h"
@@ -15,8 +15,8 @@ namespace {
 constexpr LogOrigin conditionLog{managerSourceFile, "SECM_AccessControlManager::HandleSingleCondition"};
 constexpr LogOrigin valueLog{managerSourceFile, "SECM_AccessControlManager::ReplaceSingleValue"};
 
-// The position of the first values placeholder; npos: none. Searches for the character of it that is rarest in
-// templates, because that is faster than searching for the whole placeholder.
+// The position of the first values placeholder; npos: none. Searches for the placeholder's character that is rarest
+// in templates, because that is faster than searching for the whole placeholder.
 std::size_t FindValues(std::string_view text)
 {
     constexpr char rarest = 'v';
@@ -29,7 +29,7 @@ std::size_t FindValues(std::string_view text)
     return std::string_view::npos;
 }
 
-// False: the user lacks an attribute without which the condition must not stand.
+// Replaces the tokens with the user's attributes. False: the user lacks a mandatory attribute.
 bool FillUserTokens(std::string& text, const ConditionDefinition& condition, UserDetailsInterface* userDetails)
 {
     for (const std::string& token : condition.replaceFields) {
@@ -45,8 +45,8 @@ bool FillUserTokens(std::string& text, const ConditionDefinition& condition, Use
     return true;
 }
 
-// The template with what `appendValues` appends in place of the values' placeholder, where that is found, and with the
-// operator in place of its own.
+// Fills the template: `appendValues` writes the text that replaces the values placeholder, if there is one;
+// `equalOperator` replaces the operator's placeholder.
 template <class AppendValues>
 std::string FilledWithValues(const std::string& conditionText, const std::string& equalOperator,
                              std::size_t valuesLength, AppendValues appendValues)
@@ -55,13 +55,13 @@ std::string FilledWithValues(const std::string& conditionText, const std::string
     std::string text;
     text.reserve(conditionText.size() + valuesLength + equalOperator.size());
     text.assign(conditionText, 0, position);
-    // The first one before the values is the first of all, whatever the values bring: no need to move them later.
+    // An operator before the values is the first one in any case. Filled now, it does not move the values later.
     const bool isOperatorFilled = ReplaceFirst(text, equalOperatorPlaceholder, equalOperator);
 
     const std::size_t beforeValues = text.size();
     appendValues(text);
     if (position == conditionText.size()) {
-        text.resize(beforeValues); // there is no place for them, but they were mapped as always
+        text.resize(beforeValues); // without a placeholder, values are mapped and dropped
     } else {
         text.append(conditionText, position + valuesPlaceholder.size());
     }
@@ -94,7 +94,7 @@ std::string SECM_AccessControlManager::HandleSingleConditionForUser(const Condit
     return text;
 }
 
-// When the values go in as they are.
+// The length when no value is mapped; it only reserves memory.
 std::size_t SECM_AccessControlManager::LengthOfList(const std::vector<std::string>& values) const
 {
     std::size_t length = valueMultiplicityPrefix.size() + valueMultiplicitySuffix.size();

@@ -1,5 +1,5 @@
-// Where in the configuration repository the module reads. A path that is continued by a name from elsewhere ends in
-// the separator; one that continues such a name begins with it.
+// The paths that the module reads in the configuration repository. A path to which a name is appended ends with the
+// separator; a path that is appended to a name begins with it.
 #pragma once
 
 namespace configuration_paths {
@@ -9,7 +9,7 @@ inline constexpr const char* repositories =
 inline constexpr const char* fields = "zarvona\\system\\applications\\securitymanager\\unified_access_control\\fields";
 inline constexpr const char* codeTables = "zarvona\\system\\applications\\codes\\";
 inline constexpr const char* sites = "zarvona\\system\\sites";
-/// Of the whole system under its own node, and of a site under the site's.
+/// Appended to `system` for the system-wide issuer, and to the path of a site for the issuer of that site.
 inline constexpr const char* issuer = "\\applications\\norvale\\pix\\assigning_authority\\value";
 inline constexpr const char* system = "zarvona\\system";
 

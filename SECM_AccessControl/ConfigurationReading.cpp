@@ -1,5 +1,5 @@
-// Reads a repository's settings and field definitions, once, when a manager is made. A definition that is not
-// whole is logged and left out; it never affects the others.
+// Reads a repository's settings and field definitions once, when a manager is created. An invalid definition is
+// logged and left out; it does not affect the others.
 #include "SECM_AccessControl/SECM_AccessControlManager.h"
 
 #include "SECM_AccessControl/ConfigurationPaths.h"
@@ -13,13 +13,13 @@ namespace {
 
 constexpr LogOrigin readingLog{managerSourceFile, "SECM_AccessControlManager::ReadConfigurations"};
 
-// Texts count up to their first NUL; what is missing is empty.
+// A text ends at its first NUL; a missing one is empty.
 std::string ReadText(const CFG_RepositoryServices& node, const std::string& key)
 {
     return static_cast<const char*>(node.GetValue(key, ""));
 }
 
-// An integer taken bit for bit.
+// An integer, reinterpreted as a set of 32 bits.
 std::optional<std::uint32_t> ReadBits(const CFG_RepositoryServices& node, const char* key)
 {
     const std::unique_ptr<const std::int32_t> integer(node.GetIntValue(key));

@@ -12,8 +12,8 @@ struct NamedCode {
     std::string_view name;
 };
 
-// In the order of the codes, which are looked up by halving. Names are the security manager's own, misspellings
-// included.
+// Sorted by code for binary search. The names are those of the security manager, with their misspellings, so
+// do not correct them.
 constexpr auto resultCodes = std::to_array<NamedCode>({
     {0x10001, "USER_NOT_EXIST"},
     {0x10002, "USER_LOCKED"},

@@ -1,22 +1,22 @@
-// What is known of an error: a kind, a code with its name, and a message. The module carries one, the refusal for
-// want of permission; the codes that have names are those of the security manager.
+// Describes an error: type, code, name of the code, message. The module defines one error, "no permission". Only the
+// result codes of the security manager have names.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
-/// Only looked at, so any thread may ask at any time.
+/// Immutable: any thread may call any operation at any time.
 class err_ctx {
 public:
     virtual ~err_ctx();
 
-    /// Whether `other` has the same code; kind and texts do not count.
+    /// True when `other` has the same code; type and texts are not compared.
     virtual bool IsSameError(const err_ctx& other) const = 0;
     virtual std::int32_t GetType() const = 0;
     virtual std::int32_t GetCode() const = 0;
     virtual std::string GetMessageText() const = 0;
 
-    /// The security manager's name of the code; empty when it has none.
+    /// The name that the security manager gives to the code; empty for a code without a name.
     virtual std::string GetCodeName() const = 0;
 };
 
@@ -37,8 +37,8 @@ private:
     std::string detailText;
 };
 
-/// There from the loading of the library to its unloading.
+/// Lives as long as the library is loaded.
 extern const err_ctxImpl noPermissionContext;
 
-/// The name of a result code of the security manager; empty when the code is none of its own.
+/// The name of a result code of the security manager; empty for any other code.
 std::string GetResultCodeName(std::int32_t code);

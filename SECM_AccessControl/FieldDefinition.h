@@ -1,4 +1,4 @@
-// How one field of the host's records is restricted: read once from the configuration, then only looked at.
+// The rule that restricts one field of the host's records. Read once from the configuration, read-only afterwards.
 #pragma once
 
 #include "SECM_AccessControl/AccessControl_ValuesFunctionInterface.h"
@@ -11,15 +11,15 @@
 
 struct ConditionDefinition {
     std::string conditionText;                                             ///< The template; never empty.
-    std::map<std::string, std::int32_t, std::less<>> mandatoryFields;      ///< Only membership counts.
-    std::vector<std::string> replaceFields;                                ///< As written, duplicates kept.
-    std::unique_ptr<AccessControl_ValuesFunctionInterface> valuesFunction; ///< Null: values go in as they are.
+    std::map<std::string, std::int32_t, std::less<>> mandatoryFields;      ///< Used as a set.
+    std::vector<std::string> replaceFields;                                ///< Tokens as written, with duplicates.
+    std::unique_ptr<AccessControl_ValuesFunctionInterface> valuesFunction; ///< Null: values are not mapped.
 };
 
 struct FieldDefinition {
     std::vector<ConditionDefinition> conditions; ///< At least one.
     std::string permissionName;                  ///< Never empty.
     std::uint32_t permissionValue = 0;
-    std::string conditionsDelimiter; ///< Not empty when there are two conditions or more.
-    std::string myField; ///< Names, between its first and its last character, the attribute "%my%" stands for.
+    std::string conditionsDelimiter; ///< Not empty when there are several conditions.
+    std::string myField; ///< The framed name ("$region$") of the attribute that "%my%" stands for; empty: none.
 };

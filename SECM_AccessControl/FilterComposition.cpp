@@ -1,4 +1,4 @@
-// From a user's permissions to the filter. Both roads run one composition; they differ only in whom they ask.
+// Composes the filter from a user's permissions. Log-in and by-name requests share the code; only their source differs.
 #include "SECM_AccessControl/SECM_AccessControlManager.h"
 
 #include "SECM_AccessControl/Log.h"
@@ -152,7 +152,7 @@ void SECM_AccessControlManager::AppendClause(User& user, const FieldDefinition& 
             start = filter.size();
         }
         if (filter.empty()) {
-            filter = std::move(text); // a long list is not copied
+            filter = std::move(text); // avoids copying a long list
         } else {
             filter.append(text);
         }
@@ -167,12 +167,12 @@ template <class User>
 std::string SECM_AccessControlManager::ComposeFilter(User& user)
 {
     std::string filter;
-    // For the whole request, so that its storage serves every field.
+    // Declared here so that all fields of a request use the same memory.
     std::vector<std::string> values;
 
     for (const auto& field : fieldDefinitions) {
         if (user.Holds(PermissionBase(field->permissionName.c_str(), field->permissionValue, nullptr, true))) {
-            continue; // without restriction
+            continue; // held outright: no restriction
         }
         if (!CollectValues(user, *field, values)) {
             return hideAllFilter;

@@ -1,9 +1,10 @@
-// The one way in which the module writes a message.
+// All messages of the module are written through SECM_LOG.
 #pragma once
 
 #include "platform/logging/Tmr_LogFile.h"
 
-/// Where messages say that they come from: part of what they promise, so not the compiler's own names.
+/// The source file and the function that a message names. They are part of the log's format, so they are literals
+/// and do not follow file names and function names of the code.
 struct LogOrigin {
     const char* sourceFile;
     const char* function;
@@ -11,13 +12,13 @@ struct LogOrigin {
 
 inline constexpr const char* managerSourceFile = "SECM_AccessControl/SECM_AccessControlManager";
 
-/// This module's number in the log, and the number of its log.
+/// The last two arguments of StoreParams, the same for every message: the number of this module, and 1.
 inline constexpr int logModule = 197;
 inline constexpr int logNumber = 1;
 
 enum LogLevel : int { failureLevel = 3, userLevel = 6, traceLevel = 7 };
 
-/// Writes a printf-style message when `level` is wanted; the arguments are evaluated only then.
+/// Writes a printf-style message if the log accepts `level`. Evaluates the arguments only in this case.
 #define SECM_LOG(origin, level, ...)                                                                                   \
     do {                                                                                                               \
         if (TmrGLog.StoreParams((origin).sourceFile, (origin).function, __LINE__, (level), logModule, logNumber) !=    \

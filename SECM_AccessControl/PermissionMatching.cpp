@@ -1,4 +1,4 @@
-// Answers from a user's permission list what the composition asks.
+// Looks up permissions and resources in a user's permission list.
 #include "SECM_AccessControl/SECM_AccessControlManager.h"
 
 #include "platform/security_manager/PermissionListInterface.h"
@@ -8,10 +8,10 @@
 
 namespace {
 
-// What a permission for a resource that is not listed falls back to.
+// The resource whose permission decides when the requested resource is not listed.
 constexpr const char* defaultResource = "default";
 
-// Compares while it looks for the end, for most names differ early. No entry's name holds a NUL.
+// Compares without computing the length first, because most names differ early. An entry's name holds no NUL.
 bool IsNamed(const PermissionBase& entry, std::string_view name)
 {
     const char* next = entry.name();
@@ -36,7 +36,7 @@ bool SECM_AccessControlManager::CheckPermissionInList(PermissionListInterface* p
                                                       const PermissionBase& permission)
 {
     const std::vector<PermissionBase>& entries = *permissionList->GetPermissions();
-    // The first equal entry decides, even against the user: a later one is never looked at.
+    // The first equal entry decides, also when it refuses: later entries are ignored.
     if (const PermissionBase* entry = FindEqual(entries, permission)) {
         return permission <= *entry;
     }
@@ -53,7 +53,7 @@ bool SECM_AccessControlManager::GetResourcesFromList(PermissionListInterface* pe
                                                      std::vector<std::string>& resources)
 {
     const std::vector<PermissionBase>& entries = *permissionList->GetPermissions();
-    resources.reserve(resources.size() + entries.size()); // less than the list itself takes
+    resources.reserve(resources.size() + entries.size()); // an upper bound, smaller than the list itself
     for (const PermissionBase& entry : entries) {
         const char* resource = entry.resource();
         if (resource != nullptr && (entry.value() & permissionValue) == permissionValue &&

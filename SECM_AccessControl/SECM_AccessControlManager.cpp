@@ -1,4 +1,4 @@
-// The manager's life: made and configured, connected, asked for filters, destroyed.
+// Construction, connection to the security manager, log-in requests and destruction of the manager.
 #include "SECM_AccessControl/SECM_AccessControlManager.h"
 
 #include "SECM_AccessControl/AccessControl_CodesDisplayNameFunction.h"
@@ -15,7 +15,7 @@ constexpr const char* administrationName = "SecurityManagerAdminInterface";
 constexpr unsigned administrationVersion = 1;
 constexpr const char* connectionMode = "nonsecure";
 
-// Stands for the user's own group.
+// The group of a log-in that does not choose a group: the security manager takes the user's own.
 constexpr const char* noGroup = "$$$NO_GROUP$$$";
 
 constexpr LogOrigin connectionLog{managerSourceFile, "SECM_AccessControlManager::InitSecurityConnection"};
@@ -32,7 +32,7 @@ SECM_AccessControlInterface* SECM_AccessControlInterface::CreateInstance(std::st
 
 SECM_AccessControlManager::SECM_AccessControlManager(const std::string& repository) : repositoryName(repository)
 {
-    // Before the configuration is read, which binds conditions to values functions by name.
+    // Registered first, because ReadConfigurations looks up values functions by name.
     SECM_AccessControlManager::RegisterValuesFunction("SiteIdToIssuer",
                                                       &AccessControl_SiteIdToIssuerFunction::CreateInstance);
     SECM_AccessControlManager::RegisterValuesFunction("CodeToDisplayName",

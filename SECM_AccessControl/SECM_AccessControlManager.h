@@ -1,5 +1,5 @@
-// The module's one implementation. Every step of filter building is virtual and called through the object, so
-// that a tool can derive from the manager, watch the steps and call the originals.
+// The only implementation of the interface. Every step of filter building is virtual and called through the object,
+// so that a tool can derive from the manager and observe the steps.
 #pragma once
 
 #include "SECM_AccessControl/AccessControlCallback.h"
@@ -19,8 +19,7 @@ class UserDetailsInterface;
 
 class SECM_AccessControlManager : public SECM_AccessControlInterface {
 public:
-    /// Reads the configuration; throws as CreateInstance does. A derived class's overrides do not take part
-    /// in that.
+    /// Reads the configuration; throws as CreateInstance does. Does not call overrides of a derived class.
     explicit SECM_AccessControlManager(const std::string& repository);
     ~SECM_AccessControlManager() override;
     SECM_AccessControlManager(const SECM_AccessControlManager&) = delete;
@@ -33,36 +32,39 @@ public:
     std::string GetValueMultiplicityDelimiter() override;
 
 protected:
-    /// Settings and field definitions, afresh. What is missing or not whole is logged and left out; a repository that
-    /// cannot be read throws.
+    /// Reads the settings and replaces the field definitions. Leaves out an invalid field definition and logs it; a
+    /// missing setting is empty. Throws when the configuration cannot be read.
     virtual void ReadConfigurations();
-    /// Destroys the definitions and empties the list; settings stay.
+    /// Destroys the field definitions; keeps the settings.
     virtual void ClearFieldDefinitions();
-    /// Appends every run of characters between commas, blanks included; empty ones are passed over.
+    /// Appends the entries of a comma-separated list to `entries`. Keeps blanks, skips empty entries.
     virtual void SplitCommaList(const std::string& text, std::vector<std::string>& entries);
 
-    /// The condition's text for these values; empty when a mandatory attribute is missing, or nothing can be
-    /// told of the user: the condition then adds nothing.
+    /// Fills the condition's template with `values`. The result is empty, and the condition adds nothing, when the
+    /// user lacks a mandatory attribute or the security manager has no user details.
     virtual std::string HandleSingleConditionForUser(const ConditionDefinition& condition,
                                                      const std::vector<std::string>& values,
                                                      UserDetailsInterface* userDetails);
     virtual std::string HandleSingleCondition(const ConditionDefinition& condition,
                                               const std::vector<std::string>& values,
                                               SecurityManagerInterface* secmInterface);
-    /// Puts the user's own attribute in place of the value "%my%"; empty when the user has none.
+    /// Replaces the value "%my%" with the attribute that the field's `myField` names, or with the empty text when
+    /// the user lacks it. Changes no other value, and nothing when `myField` is empty.
     virtual void ReplaceSingleValueForUser(std::string& value, const FieldDefinition& field,
                                            UserDetailsInterface* userDetails);
     virtual void ReplaceSingleValue(std::string& value, const FieldDefinition& field,
                                     SecurityManagerInterface* secmInterface);
-    /// Puts the attribute in place of the token that names it, which must not be empty.
+    /// Replaces `token` with the attribute that it names, or with the empty text when the user lacks it. `token`
+    /// must not be empty.
     virtual void ResolveUserField(std::string& token, UserDetailsInterface* userDetails);
+    /// Maps `value` with the condition's values function; returns it unchanged when there is none.
     virtual std::string ApplyValuesFunction(const std::string& value, const ConditionDefinition& condition);
 
-    /// The last registration of a name wins. `factory` must not be null.
+    /// A later registration of the same name replaces the earlier one. `factory` must not be null.
     virtual void RegisterValuesFunction(const std::string& name, ValuesFunctionFactory factory);
 
-    /// Answer from a permission list, never null, what the security manager answers of a user who is logged in;
-    /// resources are appended, and the answer is always true.
+    /// Decide from a permission list, which must not be null, as the security manager decides for a logged-in user.
+    /// GetResourcesFromList appends to `resources` and always returns true.
     virtual bool CheckPermissionInList(PermissionListInterface* permissionList, const PermissionBase& permission);
     virtual bool GetResourcesFromList(PermissionListInterface* permissionList, const std::string& permissionName,
                                       unsigned permissionValue, std::vector<std::string>& resources);
@@ -78,31 +80,31 @@ protected:
     std::string valueMultiplicityPrefix;
     std::string valueMultiplicitySuffix;
     AccessControlCallback callback;
-    SecurityManagerInterface* securityManager = nullptr; ///< Not owned: released only when it refuses to connect.
-    SMADM_Interface* adminInterface = nullptr;           ///< Not owned: likewise.
+    SecurityManagerInterface* securityManager = nullptr; ///< Not owned; released only when Initialize fails.
+    SMADM_Interface* adminInterface = nullptr;           ///< Not owned; released only when Initialize fails.
     std::map<std::string, ValuesFunctionFactory> valuesFunctionFactories;
 
 private:
-    // Where the permissions, resources and details of one request come from.
+    // The two sources of a request's permissions, resources and user details.
     class LoggedInUser;
     class NamedUser;
 
     template <class User>
     std::string ComposeFilter(User& user);
-    /// False: the field leaves no value, or it cannot be told which; the answer is then the hide-all filter.
+    /// False: no value is left, or the resources cannot be read. The request then returns the hide-all filter.
     template <class User>
     bool CollectValues(User& user, const FieldDefinition& field, std::vector<std::string>& values);
     template <class User>
     void AppendClause(User& user, const FieldDefinition& field, const std::vector<std::string>& values,
                       std::string& filter);
 
-    // The pieces of HandleSingleConditionForUser.
+    // Helpers of HandleSingleConditionForUser.
     std::size_t LengthOfList(const std::vector<std::string>& values) const;
     void AppendList(std::string& text, const ConditionDefinition& condition, const std::vector<std::string>& values);
 
-    // The pieces of ReadConfigurations.
+    // Helpers of ReadConfigurations.
     void ReadField(const CFG_RepositoryServices& fields, const std::string& fieldName);
-    bool ReadDefinition(const CFG_RepositoryServices& node, FieldDefinition& field); // false: not whole
+    bool ReadDefinition(const CFG_RepositoryServices& node, FieldDefinition& field); // false: invalid
     void ReadConditions(const CFG_RepositoryServices& node, std::vector<ConditionDefinition>& conditions);
     void BindValuesFunction(const CFG_RepositoryServices& node, const std::string& number,
                             ConditionDefinition& condition);

@@ -1,4 +1,4 @@
-// What stands for something else in a condition's template, for those who fill templates in and those who check them.
+// The placeholders and tokens of condition templates, for the code that fills templates and the code that checks them.
 #pragma once
 
 #include <string>
@@ -6,18 +6,18 @@
 
 inline constexpr std::string_view valuesPlaceholder = "%values%";
 inline constexpr std::string_view equalOperatorPlaceholder = "%equal_operator%";
-/// No placeholder, but the value that stands for the user's own.
+/// A value, not a placeholder: it stands for an attribute of the user.
 inline constexpr std::string_view ownValue = "%my%";
 inline constexpr char tokenFrame = '$';
 
-/// Whether a token is one that is replaced.
+/// True when the token begins and ends with `tokenFrame`; other tokens are not replaced.
 inline bool IsFramed(std::string_view token)
 {
     return !token.empty() && token.front() == tokenFrame && token.back() == tokenFrame;
 }
 
-/// Replaces the first `pattern` in `text` by `replacement`. False: there is none, and `text` is unchanged. An empty
-/// pattern is found at the start.
+/// Replaces the first `pattern` in `text` with `replacement`. False: `text` has no `pattern` and is unchanged. An empty
+/// pattern matches at the start.
 inline bool ReplaceFirst(std::string& text, std::string_view pattern, std::string_view replacement)
 {
     const std::size_t position = text.find(pattern);
@@ -28,7 +28,7 @@ inline bool ReplaceFirst(std::string& text, std::string_view pattern, std::strin
     return true;
 }
 
-/// A token without its first and last character: the name of an attribute. Of a single character nothing is left.
+/// The attribute's name: the token without its first and last character, empty for a token of one character.
 inline std::string AttributeName(std::string_view token)
 {
     return std::string(token.size() > 1 ? token.substr(1, token.size() - 2) : "");
