@@ -1,4 +1,4 @@
--- The archive's documents table for SQLite: 1,000 rows, the same every time.
+-- The documents table of the archive, for SQLite: 1,000 rows, identical in each run.
 CREATE TABLE documents (
     id               INTEGER PRIMARY KEY,
     title            TEXT NOT NULL,

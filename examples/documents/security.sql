@@ -1,5 +1,5 @@
--- The security database of the document archive: who exists, what is known of them, what they may read.
--- Runs as it stands on SQLite and on PostgreSQL.
+-- The security database of the document archive: users, their attributes, and their permissions.
+-- Runs unchanged on SQLite and on PostgreSQL.
 
 CREATE TABLE security_user (
     user_name   VARCHAR(255) NOT NULL PRIMARY KEY,
@@ -23,21 +23,21 @@ INSERT INTO security_user (user_name, group_name) VALUES
     ('vera', 'board'),             -- reads everything
     ('hugo', 'department_staff'),  -- one department
     ('mira', 'department_staff'),  -- two departments
-    ('omar', 'freelancers'),       -- what he wrote himself
+    ('omar', 'freelancers'),       -- his own documents
     ('sara', 'site_clerks'),       -- sites, granted by identifier
     ('ines', 'records_clerks'),    -- kinds, granted by code
-    ('kofi', 'case_workers'),      -- one confidentiality, and what is published
-    ('lena', 'agents'),            -- her own region, and what concerns all regions
-    ('joan', 'agents'),            -- has no region of her own
+    ('kofi', 'case_workers'),      -- one confidentiality, and published documents
+    ('lena', 'agents'),            -- her own region, and documents for all regions
+    ('joan', 'agents'),            -- has no region attribute
     ('nils', 'auditors'),          -- one department, and in it two kinds
-    ('tom', 'department_staff');   -- nobody gave him a department yet
+    ('tom', 'department_staff');   -- has no department yet
 
 INSERT INTO security_attribute (user_name, attribute_name, attribute_value) VALUES
     ('omar', 'employee_id', 'e17'),
     ('lena', 'employee_id', 'e23'),
     ('lena', 'region', 'baltic');
 
--- Each group holds outright what its work does not depend on ...
+-- Each group holds outright the permissions that need not restrict it ...
 INSERT INTO security_permission (position, grantee_type, grantee, permission_name, permission_value) VALUES
     (101, 'group', 'board', 'archive.department', 1),
     (102, 'group', 'board', 'archive.site', 1),
@@ -80,7 +80,7 @@ INSERT INTO security_permission (position, grantee_type, grantee, permission_nam
     (805, 'group', 'auditors', 'archive.author', 1),
     (806, 'group', 'auditors', 'archive.region', 1);
 
--- ... and is held to resources in what it does depend on. 3 is "read" and another bit; the archive asks for "read".
+-- ... and has resources for the others. The value 3 is "read" and another bit; the archive requires "read".
 INSERT INTO security_permission (position, grantee_type, grantee, permission_name, permission_value, resource) VALUES
     (1001, 'user', 'hugo', 'archive.department', 1, 'Legal'),
     (1002, 'user', 'mira', 'archive.department', 3, 'Finance'),

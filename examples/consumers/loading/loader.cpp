@@ -1,4 +1,4 @@
-// A host that knows the module only by its file's name: it loads, uses and unloads it as often as it is told to.
+// A host that loads the module with dlopen: it loads, uses and unloads the module TIMES times.
 // Usage: loader LIBRARY TIMES REPOSITORY CONNECTION USER
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-// The factory's name as the compiler writes it.
+// The mangled name of SECM_AccessControlInterface::CreateInstance.
 constexpr const char* factoryName =
     "_ZN27SECM_AccessControlInterface14CreateInstanceERNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE";
 
@@ -36,7 +36,7 @@ void Use(const char* library, const std::string& repositoryName, const char* con
         throw std::runtime_error(dlerror());
     }
     std::string repository = repositoryName;
-    // Declared after the handle, so destroyed before the library goes.
+    // Declared after the handle, so it is destroyed before the library is unloaded.
     const std::unique_ptr<SECM_AccessControlInterface> accessControl(create(repository));
     std::cout << "administration library before connecting: " << IsMapped("libsecm_admin") << ", ";
     try {
@@ -59,7 +59,7 @@ try {
     for (int times = std::stoi(argv[2]); times > 0; --times) {
         Use(argv[1], argv[3], argv[4], argv[5]);
     }
-    // The engines of the other layers stay: their C++ libraries cannot be unloaded.
+    // The engines of the configuration and the log stay loaded: some of their C++ libraries cannot be unloaded.
     std::cout << "module or security manager left behind: "
               << (IsMapped("libSECM_AccessControl") || IsMapped("libsecm")) << "\n";
 } catch (const std::exception& error) {
