@@ -37,7 +37,7 @@ INSERT INTO security_attribute (user_name, attribute_name, attribute_value) VALU
     ('lena', 'employee_id', 'e23'),
     ('lena', 'region', 'baltic');
 
--- Each group holds outright the permissions that need not restrict it ...
+-- Each group holds outright the permissions of the fields that do not restrict it ...
 INSERT INTO security_permission (position, grantee_type, grantee, permission_name, permission_value) VALUES
     (101, 'group', 'board', 'archive.department', 1),
     (102, 'group', 'board', 'archive.site', 1),
@@ -80,7 +80,7 @@ INSERT INTO security_permission (position, grantee_type, grantee, permission_nam
     (805, 'group', 'auditors', 'archive.author', 1),
     (806, 'group', 'auditors', 'archive.region', 1);
 
--- ... and has resources for the others. The value 3 is "read" and another bit; the archive requires "read".
+-- ... and resources for the other fields. The value 3 is "read" and another bit; the archive requires "read".
 INSERT INTO security_permission (position, grantee_type, grantee, permission_name, permission_value, resource) VALUES
     (1001, 'user', 'hugo', 'archive.department', 1, 'Legal'),
     (1002, 'user', 'mira', 'archive.department', 3, 'Finance'),
