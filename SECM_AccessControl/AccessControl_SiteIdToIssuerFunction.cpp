@@ -1,8 +1,8 @@
 #include "SECM_AccessControl/AccessControl_SiteIdToIssuerFunction.h"
 
-#include "SECM_AccessControl/ConfigurationPaths.h"
 #include "SECM_AccessControl/Log.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
+#include "platform/configuration/ConfigurationPaths.h"
 
 #include <memory>
 

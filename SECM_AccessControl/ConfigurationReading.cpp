@@ -2,9 +2,9 @@
 // logged and left out; it does not affect the others.
 #include "SECM_AccessControl/SECM_AccessControlManager.h"
 
-#include "SECM_AccessControl/ConfigurationPaths.h"
 #include "SECM_AccessControl/Log.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
+#include "platform/configuration/ConfigurationPaths.h"
 
 #include <algorithm>
 #include <optional>

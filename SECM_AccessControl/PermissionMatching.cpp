@@ -2,14 +2,14 @@
 #include "SECM_AccessControl/SECM_AccessControlManager.h"
 
 #include "platform/security_manager/PermissionListInterface.h"
+#include "platform/security_manager/SECM_Constants.h"
 
 #include <algorithm>
 #include <string_view>
 
 namespace {
 
-// The resource whose permission decides when the requested resource is not listed.
-constexpr const char* defaultResource = "default";
+using secm::platform::defaultResource;
 
 // Compares without computing the length first, because most names differ early. An entry's name holds no NUL.
 bool IsNamed(const PermissionBase& entry, std::string_view name)

@@ -4,19 +4,19 @@
 #include "SECM_AccessControl/AccessControl_CodesDisplayNameFunction.h"
 #include "SECM_AccessControl/AccessControl_SiteIdToIssuerFunction.h"
 #include "SECM_AccessControl/Log.h"
+#include "platform/security_manager/SECM_Constants.h"
 #include "platform/security_manager/SMADM_Interface.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
 
 namespace {
 
-constexpr const char* moduleName = "AccessControl";
-constexpr unsigned securityManagerVersion = 0x11010A17;
-constexpr const char* administrationName = "SecurityManagerAdminInterface";
-constexpr unsigned administrationVersion = 1;
-constexpr const char* connectionMode = "nonsecure";
+using secm::platform::administrationVersion;
+using secm::platform::connectionMode;
+using secm::platform::noGroup;
+using secm::platform::securityManagerVersion;
 
-// The group of a log-in that does not choose a group: the security manager takes the user's own.
-constexpr const char* noGroup = "$$$NO_GROUP$$$";
+constexpr const char* moduleName = "AccessControl";
+constexpr const char* administrationName = "SecurityManagerAdminInterface";
 
 constexpr LogOrigin connectionLog{managerSourceFile, "SECM_AccessControlManager::InitSecurityConnection"};
 constexpr LogOrigin requestLog{managerSourceFile, "SECM_AccessControlManager::GetAccessControlFilter"};

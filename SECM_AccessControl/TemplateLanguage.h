@@ -1,13 +1,15 @@
 // The placeholders and tokens of condition templates, for the code that fills templates and the code that checks them.
 #pragma once
 
+#include "platform/security_manager/SECM_Constants.h"
+
 #include <string>
 #include <string_view>
 
 inline constexpr std::string_view valuesPlaceholder = "%values%";
 inline constexpr std::string_view equalOperatorPlaceholder = "%equal_operator%";
 /// A value, not a placeholder: it stands for an attribute of the user.
-inline constexpr std::string_view ownValue = "%my%";
+using secm::platform::ownValue;
 inline constexpr char tokenFrame = '$';
 
 /// True when the token begins and ends with `tokenFrame`; other tokens are not replaced.

@@ -1,8 +1,8 @@
 #include "analysis/check/CheckedConfiguration.h"
 
-#include "SECM_AccessControl/ConfigurationPaths.h"
 #include "analysis/definitions/KnownKeys.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
+#include "platform/configuration/ConfigurationPaths.h"
 
 #include <algorithm>
 

@@ -1,10 +1,10 @@
 // What a condition looks up for its values and its user: values functions with their tables, and tokens.
 #include "analysis/check/ConfigurationCheck.h"
 
-#include "SECM_AccessControl/ConfigurationPaths.h"
 #include "analysis/check/Spelling.h"
 #include "analysis/definitions/KnownKeys.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
+#include "platform/configuration/ConfigurationPaths.h"
 
 #include <algorithm>
 

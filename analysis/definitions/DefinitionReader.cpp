@@ -1,7 +1,7 @@
 #include "analysis/definitions/DefinitionReader.h"
 
-#include "SECM_AccessControl/ConfigurationPaths.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
+#include "platform/configuration/ConfigurationPaths.h"
 
 #include <cstdint>
 

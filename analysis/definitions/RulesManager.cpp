@@ -1,7 +1,7 @@
 #include "analysis/definitions/RulesManager.h"
 
-#include "SECM_AccessControl/ConfigurationPaths.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
+#include "platform/configuration/ConfigurationPaths.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,4 +1,5 @@
 // The command line: parses and dispatches.
+#include "platform/Version.h"
 #include "tools/acfilter/cli/TextOption.h"
 #include "tools/acfilter/commands/CheckCommand.h"
 #include "tools/acfilter/commands/DiffCommand.h"
@@ -41,7 +42,7 @@ void PrintAnswer(const CLI::App& app, const CLI::Success& request)
 int Run(int argc, char** argv)
 {
     CLI::App app("Access-control filters, user by user", "acfilter");
-    app.set_version_flag("--version", "acfilter " ACFILTER_VERSION);
+    app.set_version_flag("--version", std::string("acfilter ") + secm::version);
     app.require_subcommand(1);
     app.failure_message([](const CLI::App*, const CLI::Error& error) {
         return Message(error.what()) + "Run with --help for more information.\n";

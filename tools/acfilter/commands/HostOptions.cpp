@@ -1,7 +1,7 @@
 #include "tools/acfilter/commands/HostOptions.h"
 
-#include "SECM_AccessControl/ConfigurationPaths.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
+#include "platform/configuration/ConfigurationPaths.h"
 #include "tools/acfilter/cli/TextOption.h"
 #include "tools/acfilter/io/LogReopening.h"
 

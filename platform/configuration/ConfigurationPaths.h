@@ -1,5 +1,5 @@
-// The paths that the module reads in the configuration repository. A path to which a name is appended ends with the
-// separator; a path that is appended to a name begins with it.
+// The paths of the nodes that the module reads, for all code that names these nodes. A path to which a name is appended
+// ends with the separator; a path that is appended to a name begins with it.
 #pragma once
 
 namespace configuration_paths {
