@@ -7,11 +7,11 @@
 
 namespace secm::platform {
 
-/// Closes its descriptor when it goes.
+/// Closes its descriptor when it is destroyed.
 class Descriptor {
 public:
     Descriptor() = default;
-    /// Takes ownership of `openDescriptor`; -1: none.
+    /// Takes ownership of `openDescriptor`; -1 means none.
     explicit Descriptor(int openDescriptor) : descriptor(openDescriptor) {}
     ~Descriptor()
     {

@@ -23,12 +23,12 @@ struct Kept {
     Kept* earlier;
 };
 
-// None has a destructor: threads use them until the process ends.
+// None of these has a destructor: threads use them until the process ends.
 constinit std::atomic<State> state{State::inUse};
 constinit std::mutex mutex;
 constinit Kept* last = nullptr;
 
-// False: the other handler was called before.
+// False when the other handler was called before.
 bool Enter(State next)
 {
     State found = State::inUse;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 namespace secm::platform {
 
@@ -17,11 +18,12 @@ void DestroyWhenUnloaded(void* object, void (*destroy)(void*));
 /// Whether exit() has begun. False before the first registration in this library.
 bool IsExiting();
 
-/// A new object for DestroyWhenUnloaded. Throws std::bad_alloc and what the object's constructor throws.
-template <class Object>
-Object& KeptUntilUnload()
+/// Makes an object of `arguments` and registers it with DestroyWhenUnloaded. Throws std::bad_alloc and what the
+/// object's constructor throws.
+template <class Object, class... Arguments>
+Object& KeptUntilUnload(Arguments&&... arguments)
 {
-    auto object = std::make_unique<Object>();
+    auto object = std::make_unique<Object>(std::forward<Arguments>(arguments)...);
     DestroyWhenUnloaded(object.get(), [](void* kept) { delete static_cast<Object*>(kept); });
     return *object.release();
 }

@@ -11,8 +11,10 @@
 #include <cstdlib>
 #include <fstream>
 #include <map>
+#include <optional>
 #include <regex>
 #include <sstream>
+#include <stdexcept>
 #include <thread>
 
 namespace {
@@ -101,6 +103,27 @@ TEST_F(LogTest, TakesBackALineThatFitsOnlyInPart)
     fcntl(file, F_ADD_SEALS, F_SEAL_SHRINK);
     EXPECT_EQ(WrittenOverALimit("/proc/self/fd/" + std::to_string(file)), line + "time [3] Function (s\n" + line);
     close(file);
+}
+
+TEST_F(LogTest, TheProgramsSettingsTakePrecedenceOverTheEnvironment)
+{
+    setenv("TMR_LOG_LEVEL", "7", 1);
+    setenv("TMR_LOG_FILE", Path("environment.log").c_str(), 1);
+    Tmr_LogFile both, levelOnly;
+    both.Configure(9, Path("replaced.log"));
+    both.Configure(4, Path("a.log"));
+    levelOnly.Configure(5, std::nullopt);
+    for (Tmr_LogFile* log : {&both, &levelOnly}) {
+        for (const int level : {4, 5, 6}) {
+            if (log->StoreParams("source", "Function", 1, level, 197, 1) != 0) {
+                log->Log("text");
+            }
+        }
+        EXPECT_THROW(log->Configure(7, ""), std::logic_error);
+    }
+    EXPECT_THAT(Read(Path("a.log")), testing::MatchesRegex("[^\n]* \\[4\\] [^\n]*\n"));
+    EXPECT_THAT(Read(Path("environment.log")), testing::MatchesRegex("[^\n]* \\[4\\] [^\n]*\n[^\n]* \\[5\\] [^\n]*\n"));
+    EXPECT_FALSE(std::filesystem::exists(Path("replaced.log")));
 }
 
 } // namespace

@@ -1,10 +1,11 @@
-// The log on spdlog, which gives the locking and the time. The rest of a line is made here and escaped, so that no
-// message can break a line or forge one.
+// The log on spdlog, which does the locking and writes the time. The rest of a line is composed and escaped here, so
+// that no message can break a line or forge one.
 #include "platform/logging/Tmr_LogFile.h"
 
 #include "platform/KeptUntilUnload.h"
 #include "platform/logging/spdlog/LineSink.h"
 
+#include <fmt/format.h>
 #include <spdlog/logger.h>
 #include <spdlog/pattern_formatter.h>
 
@@ -14,7 +15,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <memory>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -23,6 +27,7 @@ constinit Tmr_LogFile TmrGLog;
 
 static_assert(std::is_trivially_destructible_v<Tmr_LogFile>, "threads may log while exit() runs");
 
+namespace secm::platform {
 namespace {
 
 constexpr int defaultLevel = 3;
@@ -75,7 +80,7 @@ std::string Formatted(const char* format, std::va_list arguments)
     return text;
 }
 
-// A backslash is doubled so that what is written can be read back to the exact bytes.
+// Escapes the backslash too, so that the exact bytes can be recovered from the line.
 void AppendEscaped(std::string& line, std::string_view text)
 {
     constexpr std::string_view digits = "0123456789abcdef";
@@ -94,9 +99,15 @@ void AppendEscaped(std::string& line, std::string_view text)
 }
 
 } // namespace
+} // namespace secm::platform
+
+struct Tmr_LogFile::Settings {
+    std::optional<int> level;
+    std::optional<std::string> path;
+};
 
 struct Tmr_LogFile::Writer {
-    Writer()
+    explicit Writer(const std::string& path) : sink(std::make_shared<secm::platform::LineSink>(path))
     {
         logger.set_formatter(
             std::make_unique<spdlog::pattern_formatter>("%Y-%m-%dT%H:%M:%S.%eZ %v", spdlog::pattern_time_type::utc));
@@ -105,21 +116,36 @@ struct Tmr_LogFile::Writer {
         });
     }
 
-    const std::shared_ptr<secm::platform::LineSink> sink =
-        std::make_shared<secm::platform::LineSink>(PathFromEnvironment());
+    const std::shared_ptr<secm::platform::LineSink> sink;
     spdlog::logger logger{"TmrGLog", sink};
 };
 
-// Not by std::call_once: an exception that leaves it makes the C library load another library, and ends the process
-// when there is no memory for that.
+// Does not use std::call_once: an exception that leaves it makes the C library load another library, and ends the
+// process when there is no memory for that.
 void Tmr_LogFile::Open()
 {
     const std::lock_guard<std::mutex> lock(opening);
     if (writer.load(std::memory_order_relaxed) == nullptr) {
-        Writer& opened = secm::platform::KeptUntilUnload<Writer>();
-        threshold.store(LevelFromEnvironment(), std::memory_order_relaxed);
+        const Settings chosen = settings != nullptr ? *settings : Settings{};
+        Writer& opened =
+            secm::platform::KeptUntilUnload<Writer>(chosen.path ? *chosen.path : secm::platform::PathFromEnvironment());
+        threshold.store(chosen.level ? *chosen.level : secm::platform::LevelFromEnvironment(),
+                        std::memory_order_relaxed);
         writer.store(&opened, std::memory_order_release);
     }
+}
+
+void Tmr_LogFile::Configure(std::optional<int> level, const std::optional<std::string>& path)
+{
+    const std::lock_guard<std::mutex> lock(opening);
+    if (writer.load(std::memory_order_relaxed) != nullptr) {
+        throw std::logic_error("the log is in use already; set its level and file before the first message");
+    }
+    Settings chosen{level, path};
+    if (settings == nullptr) {
+        settings = &secm::platform::KeptUntilUnload<Settings>();
+    }
+    *settings = std::move(chosen);
 }
 
 bool Tmr_LogFile::Reopen()
@@ -140,7 +166,7 @@ int Tmr_LogFile::StoreParams(const char* sourceFile, const char* functionName, i
     if (level > threshold.load(std::memory_order_relaxed)) {
         return 0;
     }
-    announced = {sourceFile, functionName, line, level};
+    secm::platform::announced = {sourceFile, functionName, line, level};
     return 1;
 }
 
@@ -148,19 +174,19 @@ void Tmr_LogFile::Log(const char* format, ...)
 {
     std::va_list arguments;
     va_start(arguments, format);
-    const std::string text = Formatted(format, arguments);
+    const std::string text = secm::platform::Formatted(format, arguments);
     va_end(arguments);
 
     std::string_view message = text;
     if (message.ends_with('\n')) {
         message.remove_suffix(1);
     }
-    std::string line;
-    line.append("[").append(std::to_string(announced.level)).append("] ");
-    AppendEscaped(line, announced.functionName);
-    line.append(" (");
-    AppendEscaped(line, announced.sourceFile);
-    line.append(":").append(std::to_string(announced.line)).append(") ");
-    AppendEscaped(line, message);
+    const auto& announced = secm::platform::announced;
+    std::string line = fmt::format("[{}] ", announced.level);
+    secm::platform::AppendEscaped(line, announced.functionName);
+    line += " (";
+    secm::platform::AppendEscaped(line, announced.sourceFile);
+    fmt::format_to(std::back_inserter(line), ":{}) ", announced.line);
+    secm::platform::AppendEscaped(line, message);
     writer.load(std::memory_order_relaxed)->logger.log(spdlog::level::info, spdlog::string_view_t(line));
 }
