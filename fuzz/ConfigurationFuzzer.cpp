@@ -135,9 +135,9 @@ View Look()
 // What is counted before the parser is let at a file that it then takes: never too little, and at most one too much.
 void CheckNesting(std::string_view content, unsigned depth)
 {
-    Require(depth == 0 || configuration::FindTooDeep(content, depth - 1), "counted too little of the nesting",
+    Require(depth == 0 || secm::platform::FindTooDeep(content, depth - 1), "counted too little of the nesting",
             std::to_string(depth));
-    Require(!configuration::FindTooDeep(content, depth + 1), "counted too much nesting", std::to_string(depth));
+    Require(!secm::platform::FindTooDeep(content, depth + 1), "counted too much nesting", std::to_string(depth));
 }
 
 // PATH:LINE:COLUMN: what is wrong; the place is one that the file has, its end included.

@@ -1,4 +1,4 @@
-// For tools that look at a configuration as a whole, and name the place of what they find. The module needs none of it,
+// The entries of a configuration with their places, for tools that check it as a whole. The module does not use this,
 // so a configuration library of a host's own may leave it out.
 #pragma once
 
@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-/// Where a name stands; lines and columns count from 1. Places sort in the order in which the files are read.
+/// The place of a name; lines and columns count from 1. Places sort in the order in which the files are read.
 struct CFG_Place {
     std::string file;
     unsigned line = 1;
@@ -18,15 +18,15 @@ struct CFG_Place {
     auto operator<=>(const CFG_Place&) const = default;
 };
 
-/// A name directly under a node, that of a child node or of a value.
+/// A child node or a value directly under a node.
 struct CFG_Entry {
     std::string name;
     bool isNode = false;
-    std::string value; ///< Of a value: a text as it stands, an integer in decimal.
-    CFG_Place place;   ///< Of the name, where it first stands.
+    std::string value; ///< Empty for a node. A text as it is written, an integer in decimal.
+    CFG_Place place;   ///< Of the first occurrence of the name.
 };
 
-/// What stands directly under the node at `path` of the configuration in force, by place; empty when there is no such
-/// node or no configuration. Throws CFG_Error as CFG_Factory::GetRepositoryServices does. Any thread may call. Null
-/// where the configuration library does not offer it.
+/// The entries directly under the node at `path`, sorted by place; empty when there is no such node or no
+/// configuration. They are of the configuration that CFG_Factory::GetRepositoryServices gives on this thread. Throws
+/// CFG_Error as that does. Any thread may call. A weak symbol: null where the configuration library does not offer it.
 PLATFORM_EXPORT __attribute__((weak)) std::vector<CFG_Entry> CFG_ListEntries(const RWCString& path);

@@ -1,4 +1,4 @@
-// The text type of the configuration repository's interface: a byte string that may hold NULs.
+// The text type of the configuration repository's interface: a string of any bytes, NUL included.
 #pragma once
 
 #include <cstddef>

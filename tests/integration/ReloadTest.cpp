@@ -1,6 +1,8 @@
-// What becomes of managers while the configuration changes under them, for better or worse.
+// Managers while the configuration is changed, reloaded, or replaced by a candidate.
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
+#include "platform/configuration/CFG_Listing.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
+#include "platform/configuration/ConfigurationPaths.h"
 #include "tests/Cases.h"
 #include "tests/integration/Workspace.h"
 
@@ -9,7 +11,9 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <map>
 #include <memory>
+#include <stdexcept>
 #include <thread>
 
 namespace {
@@ -22,7 +26,7 @@ protected:
         setenv("CFG_REPOSITORY", Path("a.toml").c_str(), 1);
     }
 
-    // Every text of it carries the letter, so that a mixture of two would show.
+    // Every text contains the letter, so that a mixture of two configurations is noticed.
     static std::string Configuration(const std::string& letter)
     {
         const std::string top = "[zarvona.system.applications.securitymanager.unified_access_control.";
@@ -53,11 +57,26 @@ protected:
         return manager;
     }
 
+    std::shared_ptr<const CFG_Candidate> Candidate(const std::string& letter) const
+    {
+        Write(letter + ".toml", Configuration(letter));
+        return CFG_Factory::Read(Path(letter + ".toml"));
+    }
+
+    // The filter of a manager that is made now, once what is listed agrees with it.
+    std::string FilterNow() const
+    {
+        const std::string filter = FilterOf(*Connected());
+        const auto entries = CFG_ListEntries(configuration_paths::repositories + std::string("r"));
+        EXPECT_TRUE(!entries.empty() && entries.front().value == "hide" + filter.substr(0, 1)) << filter;
+        return filter;
+    }
+
     void ExpectRefused(const std::string& place) const
     {
         try {
             CFG_Factory::Reload();
-            ADD_FAILURE() << "taken: " << Read(Path("a.toml"));
+            ADD_FAILURE() << "not refused: " << Read(Path("a.toml"));
         } catch (const CFG_Error& error) {
             EXPECT_THAT(error.what(), testing::StartsWith(Path("a.toml") + place));
         }
@@ -96,18 +115,16 @@ TEST_F(ReloadTest, AManagerIsWhollyOfTheOldOrTheNew)
     }
 }
 
-// Each GetRepositoryServices here is a first load, because none before it has succeeded.
 TEST_F(ReloadTest, NoPartOfAFileIsTakenWhereItsEndIsRequired)
 {
     setenv("CFG_REQUIRE_END", "1", 1);
     const std::string whole = SampleText("archive.toml");
     for (std::size_t length = 0; length < whole.size() - 1; ++length) {
         Write("a.toml", whole.substr(0, length));
-        EXPECT_THROW(CFG_Factory::GetRepositoryServices(), CFG_Error) << length;
         ExpectRefused(":");
     }
     Write("a.toml", whole.substr(0, whole.size() - 1)); // the last line without its end
-    EXPECT_NE(CFG_Factory::GetRepositoryServices(), nullptr);
+    CFG_Factory::Reload();
     Write("a.toml", whole);
     CFG_Factory::Reload();
 }
@@ -134,6 +151,107 @@ TEST_F(ReloadTest, AFileThatChangesWhileItIsReadIsRefused)
     isOver = true;
     writer.join();
     CFG_Factory::Reload();
+}
+
+TEST_F(ReloadTest, EachThreadSeesItsOwnCandidateWhileAnotherIsPutInForce)
+{
+    Write("a.toml", Configuration("A"));
+    CFG_Factory::Reload();
+    std::atomic<int> inScope = 0;
+    std::atomic<bool> isOver = false;
+    std::vector<std::thread> threads;
+    for (const std::string letter : {"B", "C"}) {
+        threads.emplace_back([&, letter, candidate = Candidate(letter)]() mutable {
+            {
+                const CFG_CandidateScope scope(std::move(candidate));
+                ++inScope;
+                do {
+                    EXPECT_EQ(FilterNow(), Expected(letter));
+                } while (!isOver);
+            }
+            EXPECT_EQ(FilterNow(), Expected("D"));
+        });
+    }
+    while (inScope < 2) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(FilterNow(), Expected("A"));
+    CFG_Factory::PutInForce(Candidate("D"));
+    EXPECT_EQ(FilterNow(), Expected("D"));
+    isOver = true;
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    CFG_Factory::Reload();
+    EXPECT_EQ(FilterNow(), Expected("A"));
+}
+
+TEST_F(ReloadTest, ScopesNestAndWhatCannotBeReadChangesNothing)
+{
+    Write("a.toml", Configuration("A"));
+    CFG_Factory::Reload();
+    Write("wrong.toml", "x = ");
+    const auto expectStill = [this](const std::string& letter) {
+        EXPECT_THROW(CFG_Factory::Read(Path("wrong.toml")), CFG_Error);
+        EXPECT_THROW(CFG_Factory::Read(""), CFG_Error);
+        EXPECT_THROW(CFG_Factory::PutInForce(nullptr), CFG_Error);
+        EXPECT_THROW(CFG_CandidateScope(nullptr), CFG_Error);
+        EXPECT_EQ(FilterNow(), Expected(letter));
+    };
+    {
+        const CFG_CandidateScope outer(Candidate("B"));
+        {
+            const CFG_CandidateScope inner(Candidate("C"));
+            expectStill("C");
+        }
+        expectStill("B");
+    }
+    expectStill("A");
+}
+
+TEST_F(ReloadTest, WhatACandidateHandsOutOutlivesIt)
+{
+    Write("a.toml", Configuration("A"));
+    CFG_Factory::Reload();
+    std::unique_ptr<CFG_RepositoryServices> settings;
+    std::unique_ptr<CFG_NameList> names;
+    std::unique_ptr<SECM_AccessControlInterface> manager;
+    const CFG_RepositoryServices* root = nullptr;
+    {
+        const CFG_CandidateScope scope(Candidate("B"));
+        root = CFG_Factory::GetRepositoryServices();
+        settings.reset(root->GetSubTree(configuration_paths::repositories + std::string("r")));
+        names.reset(root->GetChildNames(configuration_paths::fields));
+        manager = Connected();
+    }
+    EXPECT_STREQ(settings->GetValue("hide_all_filter", ""), "hideB");
+    EXPECT_STREQ(names->GetName(1), "archive.kind");
+    EXPECT_EQ(FilterOf(*manager), Expected("B"));
+    EXPECT_STREQ(root->GetValueByPath(configuration_paths::repositories + std::string("r\\hide_all_filter")), "hideA");
+}
+
+TEST_F(ReloadTest, TheFilesOfACandidateAreThoseThatWereRead)
+{
+    const std::map<std::string, std::string> contents = {{Path("f/a.toml"), "\xEF\xBB\xBF"
+                                                                            "a = 1\r\n"},
+                                                         {Path("f/b.toml"), ""},
+                                                         {Path("f/c.toml"), "c = 'x\ty'"}};
+    for (const auto& [path, content] : contents) {
+        Write(std::filesystem::relative(path, folder), content);
+    }
+    Write("f/.hidden.toml", "hidden = 1");
+    std::vector<std::string> order;
+    std::map<std::string, std::string> seen;
+    const auto candidate = CFG_Factory::Read(Path("f"), [&](const std::string& path, std::string_view content) {
+        order.push_back(path);
+        seen.emplace(path, content);
+    });
+    EXPECT_EQ(seen, contents);
+    EXPECT_THAT(order, testing::ElementsAre(Path("f/a.toml"), Path("f/b.toml"), Path("f/c.toml")));
+    EXPECT_EQ(candidate->Files(), order);
+    EXPECT_THAT(CFG_Factory::Read(Path("f/b.toml"))->Files(), testing::ElementsAre(Path("f/b.toml")));
+    const auto fail = [](const std::string&, std::string_view) { throw std::out_of_range("observer"); };
+    EXPECT_THROW(CFG_Factory::Read(Path("f"), fail), std::out_of_range);
 }
 
 } // namespace

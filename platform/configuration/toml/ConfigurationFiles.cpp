@@ -1,9 +1,11 @@
-// A file that is skipped or cut short would restrict less, so each one that cannot be read whole is refused by name.
+// A file that is left out or read in part could restrict users less, so reading fails when a file cannot be read whole.
 #include "platform/configuration/toml/ConfigurationFiles.h"
 
 #include "platform/Descriptor.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
 #include "platform/configuration/toml/Nesting.h"
+
+#include <fmt/format.h>
 
 #include <fcntl.h>
 #include <linux/magic.h>
@@ -19,23 +21,22 @@
 #include <filesystem>
 #include <string_view>
 
-namespace configuration {
+namespace secm::platform {
 namespace {
 
 namespace fs = std::filesystem;
-using secm::platform::Descriptor;
 
 constexpr std::string_view suffix = ".toml";
 constexpr std::string_view endLine = "# end of configuration";
 
 [[noreturn]] void Refuse(const std::string& path, const std::string& why, TextPosition at = {})
 {
-    throw CFG_Error(path + ":" + std::to_string(at.line) + ":" + std::to_string(at.column) + ": " + why);
+    throw CFG_Error(fmt::format("{}:{}:{}: {}", path, at.line, at.column, why));
 }
 
 [[noreturn]] void RefuseAfterError(const std::string& path, const std::string& what)
 {
-    Refuse(path, what + ": " + std::strerror(errno));
+    Refuse(path, fmt::format("{}: {}", what, std::strerror(errno)));
 }
 
 const char* KindOf(mode_t mode)
@@ -52,14 +53,14 @@ const char* KindOf(mode_t mode)
     }
 }
 
-// Such as /dev/stdin behind `|`. Opening it never waits, because its other end is open already.
+// Such as /dev/stdin behind `|`. Opening it never waits, because its other end is already open.
 bool IsUnnamedPipe(const Descriptor& file)
 {
     struct statfs fileSystem {};
     return fstatfs(file.Get(), &fileSystem) == 0 && fileSystem.f_type == PIPEFS_MAGIC;
 }
 
-// Does not wait for the writer of a named pipe.
+// Opens a named pipe without waiting for its writer.
 Descriptor Open(const std::string& path)
 {
     Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
@@ -73,7 +74,8 @@ Descriptor Open(const std::string& path)
     std::error_code isNoLink;
     const fs::path target = fs::read_symlink(path, isNoLink);
     errno = error;
-    RefuseAfterError(path, "cannot be opened" + (isNoLink ? "" : " through the link to " + target.string()));
+    RefuseAfterError(path, isNoLink ? "cannot be opened"
+                                    : fmt::format("cannot be opened through the link to {}", target.string()));
 }
 
 std::string ReadToEnd(const Descriptor& file, const std::string& path)
@@ -98,8 +100,9 @@ bool IsEndLineRequired()
     const char* set = std::getenv("CFG_REQUIRE_END");
     const std::string_view value = set != nullptr ? set : "";
     if (value != "1" && value != "0" && !value.empty()) {
-        throw CFG_Error("CFG_REQUIRE_END is '" + std::string(value) + "'; set it to 1 to require the line '" +
-                        std::string(endLine) + "' at the end of each file, or to 0");
+        throw CFG_Error(fmt::format(
+            "CFG_REQUIRE_END is '{}'; set it to 1 to require the line '{}' at the end of each file, or to 0", value,
+            endLine));
     }
     return value == "1";
 }
@@ -141,9 +144,10 @@ std::vector<std::string> FindFiles(const std::string& path)
                 continue;
             }
             if (!name.ends_with(suffix)) {
-                Refuse(item.path().string(), "its name does not end in " + std::string(suffix) +
-                                                 " in small letters; rename it to end in " + std::string(suffix) +
-                                                 ", or move it away");
+                Refuse(item.path().string(),
+                       fmt::format("its name does not end in {0} in small letters; rename it to end in {0}, or move "
+                                   "it away",
+                                   suffix));
             }
             files.push_back(item.path().string());
         }
@@ -166,15 +170,15 @@ std::string ReadFile(const std::string& path)
     }
     const bool isPipe = IsUnnamedPipe(file);
     if (!S_ISREG(status.st_mode) && !isPipe) {
-        Refuse(path, std::string("is ") + KindOf(status.st_mode) +
-                         ", which cannot be read as a configuration; name a regular file, or move it out of the "
-                         "configuration's folder");
+        Refuse(path, fmt::format("is {}, which cannot be read as a configuration; name a regular file, or move it out "
+                                 "of the configuration's folder",
+                                 KindOf(status.st_mode)));
     }
-    if (fcntl(file.Get(), F_SETFL, 0) != 0) { // from now on, reading waits for the writer of a pipe
+    if (fcntl(file.Get(), F_SETFL, 0) != 0) { // from now on, read() waits for the writer of a pipe
         RefuseAfterError(path, "cannot be read");
     }
     std::string content = ReadToEnd(file, path);
-    // The beginning of one version with the end of another would look whole.
+    // The beginning of one version with the end of another could be a valid file.
     struct stat after {};
     if (!isPipe && (fstat(file.Get(), &after) != 0 || after.st_size != status.st_size ||
                     after.st_mtim.tv_sec != status.st_mtim.tv_sec || after.st_mtim.tv_nsec != status.st_mtim.tv_nsec)) {
@@ -185,12 +189,14 @@ std::string ReadFile(const std::string& path)
         Refuse(path, "the pipe holds nothing, or was read before; name a regular file to read it more than once");
     }
     if (IsEndLineRequired() && !HasEndLine(content)) {
-        Refuse(path,
-               "the file ends without the line '" + std::string(endLine) +
-                   "', which CFG_REQUIRE_END=1 requires; write the whole file again, with that line as the last one",
-               PositionBehind(content));
+        Refuse(
+            path,
+            fmt::format("the file ends without the line '{}', which CFG_REQUIRE_END=1 requires; write the whole file "
+                        "again, with that line as the last one",
+                        endLine),
+            PositionBehind(content));
     }
     return content;
 }
 
-} // namespace configuration
+} // namespace secm::platform

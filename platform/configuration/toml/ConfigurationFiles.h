@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace configuration {
+namespace secm::platform {
 
 /// `path` itself when it is no folder. Otherwise the files of the folder whose names end in ".toml" and do not begin
 /// with a dot, by byte-wise name order. Throws CFG_Error when the folder cannot be read, has no such file, or has one
@@ -17,4 +17,4 @@ std::vector<std::string> FindFiles(const std::string& path);
 /// - when CFG_REQUIRE_END is not 1, 0 or empty.
 std::string ReadFile(const std::string& path);
 
-} // namespace configuration
+} // namespace secm::platform

@@ -1,150 +1,84 @@
-// The parser makes and destroys its tables one inside the other, so a key of a hundred thousand names would exhaust the
-// stack before anybody could refuse it. Only what opens and ends a level is looked at here: dots, brackets, commas and
-// line ends outside of texts and comments, which are passed over as the parser passes over them up to its first error.
-// The count is never too low; it is one too high where a number has a dot.
+// toml++ limits how deep values nest, but not how many names a key joins with dots. It makes a table for each name, and
+// destroys a table inside the destruction of the one around it, so a key of a hundred thousand names would exhaust the
+// stack. Values with long keys multiply that depth, so all levels are counted together: dots, brackets, commas and line
+// ends outside of quoted texts and comments. The count is never too low. It is one too high where a number has a dot.
 #include "platform/configuration/toml/Nesting.h"
 
 #include <algorithm>
 #include <string>
 #include <vector>
 
-namespace configuration {
+namespace secm::platform {
 namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-// Of the quoted text at the front. One that is forgotten to be ended goes to the end of its line, or of everything.
+// Of the quoted text at the front. A text without its end goes to the end of the line, or of `content` when it may hold
+// several lines.
 std::size_t TextLength(std::string_view content)
 {
     const char quote = content.front();
-    const std::string threeQuotes(3, quote);
-    const bool isMultiLine = content.starts_with(threeQuotes);
-    std::size_t at = isMultiLine ? 3 : 1;
-    while (at < content.size()) {
-        if (content[at] == '\\' && quote == '"') {
-            at += 2; // whatever is escaped, a quote too
-        } else if (isMultiLine && content.substr(at).starts_with(threeQuotes)) {
-            // Up to two quotes directly before the end belong to the text.
-            const std::size_t end = std::min(content.find_first_not_of(quote, at), content.size());
-            return std::min(end, at + 5);
-        } else if (!isMultiLine && content[at] == quote) {
-            return at + 1;
-        } else if (!isMultiLine && content[at] == '\n') {
+    const bool isMultiLine = content.starts_with(std::string(3, quote));
+    const std::string end(isMultiLine ? 3 : 1, quote);
+    std::size_t at = end.size();
+    for (; at < content.size() && !content.substr(at).starts_with(end); ++at) {
+        if (content[at] == '\n' && !isMultiLine) {
             return at;
-        } else {
-            ++at;
+        }
+        if (content[at] == '\\' && quote == '"') {
+            ++at; // the escaped byte may be a quote
         }
     }
-    return content.size();
+    // Up to two quotes directly before the three at the end belong to the text.
+    const std::size_t behind = std::min(content.find_first_not_of(quote, at), content.size());
+    return std::min(behind, at + (isMultiLine ? 5 : 1));
 }
 
-// Whether it may change the depth, or begins what is passed over.
-bool IsMark(char byte)
-{
-    switch (byte) {
-    case '[':
-    case ']':
-    case '{':
-    case '}':
-    case '.':
-    case ',':
-    case '\n':
-    case '"':
-    case '\'':
-    case '#':
-        return true;
-    default:
-        return false;
-    }
-}
-
-// Of what stands at the front and is taken as one: a text, a comment up to its line's end, a mark, a blank, or what
-// stands up to the next mark.
-std::size_t PieceLength(std::string_view content)
-{
-    switch (content.front()) {
-    case '"':
-    case '\'':
-        return TextLength(content);
-    case '#':
-        return std::min(content.find('\n'), content.size());
-    case ' ':
-    case '\t':
-        return 1;
-    default:
-        if (IsMark(content.front())) {
-            return 1;
-        }
-        return static_cast<std::size_t>(std::find_if(content.begin() + 1, content.end(), IsMark) - content.begin());
-    }
-}
-
-// How many names, inline tables and arrays stand around the place that the scan has come to; the name of a table counts
-// for two, for what stands in it.
+// How many names, inline tables and arrays are around the place that the scan has come to. The name of a table counts
+// for two: for the entry that follows it too.
 class Depth {
 public:
-    unsigned Take(char piece)
+    explicit Depth(std::string_view firstLine) { BeginLine(firstLine); }
+
+    unsigned Get() const { return depth; }
+
+    // Takes a byte outside of quoted texts and comments, and what follows it.
+    void Take(char byte, std::string_view rest)
     {
-        switch (piece) {
-        case '[':
-        case '{':
-            Open(piece);
-            break;
-        case ']':
-        case '}':
-            Close();
-            break;
-        case '.':
+        if (byte == '.') {
             ++depth;
-            break;
-        case ',':
-            BeginEntry();
-            break;
-        case '\n':
+        } else if (byte == ',') {
+            depth = around.back() + 1;
+        } else if (byte == '\n') {
             EndLine();
-            break;
-        default:
-            break;
+            BeginLine(rest);
+        } else if ((byte == '[' || byte == '{') && !isHeader) {
+            around.push_back(depth);
+            ++depth;
+        } else if ((byte == ']' || byte == '}') && !isHeader && around.size() > 1) {
+            depth = around.back();
+            around.pop_back();
         }
-        isLineStart = piece == '\n' || (isLineStart && (piece == ' ' || piece == '\t'));
-        return depth;
     }
 
 private:
-    void Open(char bracket)
+    void BeginLine(std::string_view line)
     {
-        if (isLineStart && bracket == '[' && enclosing.size() == 1) {
-            isHeader = true;
-            depth = 2;
-        } else if (!isHeader) {
-            enclosing.push_back(depth);
-            BeginEntry();
-        }
-    }
-
-    void Close()
-    {
-        if (!isHeader && enclosing.size() > 1) {
-            depth = enclosing.back();
-            enclosing.pop_back();
-        }
+        const std::size_t first = line.find_first_not_of(" \t");
+        isHeader = around.size() == 1 && first != std::string_view::npos && line[first] == '[';
+        depth = isHeader ? 2 : around.back() + 1;
     }
 
     void EndLine()
     {
         if (isHeader) {
-            isHeader = false;
-            enclosing.front() = depth - 1;
+            around.front() = depth - 1;
         }
-        BeginEntry();
     }
 
-    void BeginEntry() { depth = enclosing.back() + 1; }
-
+    std::vector<unsigned> around{0}; // the depths of the last table header and of the key before each open bracket
     unsigned depth = 1;
-    std::vector<unsigned> enclosing{0}; // the depth of the table header in force, then of each open bracket's key
-    bool isHeader = false;
-    bool isLineStart = true;
+    bool isHeader = false; // the line is a table header
 };
 
 } // namespace
@@ -169,13 +103,22 @@ std::optional<TextPosition> FindTooDeep(std::string_view content, unsigned deepe
     if (content.starts_with(byteOrderMark)) {
         content.remove_prefix(byteOrderMark.size());
     }
-    Depth depth;
-    for (std::size_t at = 0; at < content.size(); at += PieceLength(content.substr(at))) {
-        if (depth.Take(content[at]) > deepest) {
-            return PositionBehind(content.substr(0, at));
+    Depth depth(content);
+    for (std::size_t at = 0; at < content.size();) {
+        const char byte = content[at];
+        if (byte == '"' || byte == '\'') {
+            at += TextLength(content.substr(at));
+        } else if (byte == '#') {
+            at = std::min(content.find('\n', at), content.size());
+        } else {
+            depth.Take(byte, content.substr(at + 1));
+            if (depth.Get() > deepest) {
+                return PositionBehind(content.substr(0, at));
+            }
+            ++at;
         }
     }
     return std::nullopt;
 }
 
-} // namespace configuration
+} // namespace secm::platform

@@ -1,12 +1,12 @@
-// How deep a TOML text nests, asked before it is parsed.
+// Measures how deep a TOML text nests, before it is parsed.
 #pragma once
 
 #include <optional>
 #include <string_view>
 
-namespace configuration {
+namespace secm::platform {
 
-/// In a text; both count from 1, columns in characters.
+/// A position in a text; both count from 1, columns in characters.
 struct TextPosition {
     unsigned line = 1;
     unsigned column = 1;
@@ -15,9 +15,8 @@ struct TextPosition {
 /// The position right after the last byte of `content`.
 TextPosition PositionBehind(std::string_view content);
 
-/// Where `content` first nests more than `deepest` names, inline tables and arrays in brackets inside one another; none
-/// when it nowhere does. (An array of tables is a name like others, and twice as deep at most.) A text that is no TOML
-/// is looked at likewise, up to its end.
+/// Where `content` first nests more than `deepest` names, inline tables and arrays inside one another; no value when it
+/// does so nowhere. The name of an array of tables counts once. `content` need not be valid TOML.
 std::optional<TextPosition> FindTooDeep(std::string_view content, unsigned deepest);
 
-} // namespace configuration
+} // namespace secm::platform

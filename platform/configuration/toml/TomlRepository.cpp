@@ -1,6 +1,6 @@
-// The configuration repository on the loaded tree. The one root looks at whatever tree is in force; a
-// sub-tree keeps the tree alive that it was taken from, so a reload never changes or frees what a reader
-// holds.
+// The configuration repository on trees. There is one root. It answers from the candidate of the calling thread's
+// scope, else from the tree in force. A sub-tree and a list own a share of the tree that they were taken from, so they
+// stay valid and unchanged after a reload and after a scope.
 #include "platform/configuration/CFG_Listing.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
 
@@ -15,17 +15,12 @@
 #include <optional>
 #include <string_view>
 
-using configuration::Entry;
-using configuration::FindEntry;
-using configuration::FindName;
-using configuration::LoadTree;
-using configuration::Node;
-using configuration::Tree;
-
+CFG_Candidate::~CFG_Candidate() = default;
+CFG_Error::~CFG_Error() = default;
 CFG_NameList::~CFG_NameList() = default;
 CFG_RepositoryServices::~CFG_RepositoryServices() = default;
-CFG_Error::~CFG_Error() = default;
 
+namespace secm::platform {
 namespace {
 
 std::string_view View(const RWCString& text)
@@ -38,7 +33,7 @@ RWCString TextOf(std::string_view value)
     return {value.data(), value.size()};
 }
 
-// Keeps the whole tree alive, whichever of its nodes it points to.
+// Owns a share of the whole tree.
 using NodePointer = std::shared_ptr<const Node>;
 
 NodePointer FindNode(const NodePointer& start, const RWCString& path)
@@ -50,14 +45,14 @@ NodePointer FindNode(const NodePointer& start, const RWCString& path)
     return entry != nullptr && entry->node != nullptr ? NodePointer(start, entry->node) : nullptr;
 }
 
-// The value directly under `node`: a key is a name and no path.
+// The value named `key` directly under `node`; null when there is none. A key is a name and no path.
 const std::string_view* FindValue(const Node& node, const RWCString& key)
 {
     const Entry* found = FindName(node, View(key));
     return found != nullptr && found->node == nullptr ? &found->value : nullptr;
 }
 
-// Digits with an optional minus before them, as an integer of 32 bits with or without a sign.
+// Parses digits with an optional minus before them; no value when they are no integer of 32 bits, signed or unsigned.
 std::optional<std::int32_t> AsInteger(std::string_view text)
 {
     std::int64_t integer = 0;
@@ -137,26 +132,39 @@ std::string ConfiguredPath()
     return path != nullptr ? path : "";
 }
 
+// The candidate of the calling thread's innermost scope; null outside of scopes. It must not have a destructor: that
+// would keep the library loaded until the thread ends.
+constinit thread_local const std::shared_ptr<const CFG_Candidate>* candidateOfThread = nullptr;
+
+std::shared_ptr<const Tree> TreeOf(const std::shared_ptr<const CFG_Candidate>& candidate)
+{
+    if (!candidate) {
+        throw CFG_Error("there is no candidate; pass the one that CFG_Factory::Read gave");
+    }
+    return std::static_pointer_cast<const Tree>(candidate);
+}
+
 class Root final : public Services {
 public:
     static Root& Instance()
     {
-        static Root& root = secm::platform::KeptUntilUnload<Root>();
+        static Root& root = KeptUntilUnload<Root>();
         return root;
     }
 
-    // False: no configuration is set.
-    bool EnsureLoaded()
+    // What the calling thread sees; null when no configuration is set.
+    std::shared_ptr<const Tree> Visible() const
     {
-        const std::lock_guard<std::mutex> lock(mutex);
-        if (!tree) {
-            const std::string path = ConfiguredPath();
-            if (path.empty()) {
-                return false;
-            }
-            tree = LoadTree(path);
+        if (candidateOfThread != nullptr) {
+            return TreeOf(*candidateOfThread);
         }
-        return true;
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (!inForce) {
+            if (const std::string path = ConfiguredPath(); !path.empty()) {
+                inForce = LoadTree(path, {});
+            }
+        }
+        return inForce;
     }
 
     void Reload()
@@ -165,37 +173,49 @@ public:
         if (path.empty()) {
             throw CFG_Error("CFG_REPOSITORY is not set; name the configuration's file or folder in it");
         }
-        // One at a time, so that the one which began last is the one that stays.
-        const std::lock_guard<std::mutex> reloading(reloadMutex);
-        std::shared_ptr<const Tree> loaded = LoadTree(path);
-        const std::lock_guard<std::mutex> lock(mutex);
-        tree.swap(loaded);
+        const std::lock_guard<std::mutex> changing(changeMutex);
+        Replace(LoadTree(path, {}));
     }
 
-    std::shared_ptr<const Tree> InForce() const
+    void PutInForce(std::shared_ptr<const Tree> candidate)
     {
-        const std::lock_guard<std::mutex> lock(mutex);
-        return tree;
+        const std::lock_guard<std::mutex> changing(changeMutex);
+        Replace(std::move(candidate));
     }
 
 private:
     NodePointer Here() const override
     {
-        const std::shared_ptr<const Tree> inForce = InForce();
-        return {inForce, &inForce->root};
+        const std::shared_ptr<const Tree> tree = Visible();
+        if (!tree) {
+            // Only a root of a scope that has ended gets here. No answers would look like no restrictions.
+            throw CFG_Error("no configuration is in force: CFG_REPOSITORY is not set");
+        }
+        return {tree, &tree->root};
     }
 
-    std::mutex reloadMutex;
+    // The earlier tree is freed after the mutex is released.
+    void Replace(std::shared_ptr<const Tree> next)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        inForce.swap(next);
+    }
+
+    std::mutex changeMutex; // held while a configuration is read again, so that the change that began last stays
     mutable std::mutex mutex;
-    std::shared_ptr<const Tree> tree;
+    mutable std::shared_ptr<const Tree> inForce; // null until the first load
 };
 
 } // namespace
+} // namespace secm::platform
+
+using secm::platform::Root;
+using secm::platform::Tree;
 
 CFG_RepositoryServices* CFG_Factory::GetRepositoryServices()
 {
     Root& root = Root::Instance();
-    return root.EnsureLoaded() ? &root : nullptr;
+    return root.Visible() ? &root : nullptr;
 }
 
 void CFG_Factory::Reload()
@@ -203,18 +223,39 @@ void CFG_Factory::Reload()
     Root::Instance().Reload();
 }
 
+std::shared_ptr<const CFG_Candidate> CFG_Factory::Read(const std::string& path, const CFG_FileObserver& observe)
+{
+    if (path.empty()) {
+        throw CFG_Error("the path of the configuration is empty; name its file or folder");
+    }
+    return secm::platform::LoadTree(path, observe);
+}
+
+void CFG_Factory::PutInForce(std::shared_ptr<const CFG_Candidate> candidate)
+{
+    Root::Instance().PutInForce(secm::platform::TreeOf(candidate));
+}
+
+CFG_CandidateScope::CFG_CandidateScope(std::shared_ptr<const CFG_Candidate> candidate)
+    : candidateOfScope(secm::platform::TreeOf(candidate)), outer(secm::platform::candidateOfThread)
+{
+    secm::platform::candidateOfThread = &candidateOfScope;
+}
+
+CFG_CandidateScope::~CFG_CandidateScope()
+{
+    secm::platform::candidateOfThread = outer;
+}
+
 std::vector<CFG_Entry> CFG_ListEntries(const RWCString& path)
 {
-    if (CFG_Factory::GetRepositoryServices() == nullptr) {
-        return {};
-    }
-    const std::shared_ptr<const Tree> tree = Root::Instance().InForce();
-    const NodePointer node = FindNode(NodePointer(tree, &tree->root), path);
+    const std::shared_ptr<const Tree> tree = Root::Instance().Visible();
+    const auto node = tree ? secm::platform::FindNode({tree, &tree->root}, path) : nullptr;
     if (!node) {
         return {};
     }
     std::vector<CFG_Entry> entries;
-    for (const Entry& entry : node->entries) {
+    for (const secm::platform::Entry& entry : node->entries) {
         const auto& place = entry.place;
         entries.push_back({std::string(entry.name),
                            entry.node != nullptr,

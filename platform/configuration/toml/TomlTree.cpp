@@ -1,12 +1,13 @@
-// toml++ reads the files; here they become one tree in the order in which an administrator wrote it. toml++
-// sorts its tables, so that order is taken from the place of each key. Whatever cannot be taken as it stands
-// is refused with its place, for a setting that is silently passed over could let a user see more.
+// Merges the tables that toml++ reads into one tree, in the order in which an administrator wrote them. toml++ sorts
+// its tables by name, so the order is taken from the places of the keys. A value of another type than text or integer
+// is refused with its place: a setting that is ignored could let users see more.
 #include "platform/configuration/toml/TomlTree.h"
 
 #include "platform/configuration/CFG_RepositoryServices.h"
 #include "platform/configuration/toml/ConfigurationFiles.h"
 #include "platform/configuration/toml/Nesting.h"
 
+#include <fmt/format.h>
 #include <toml++/toml.h>
 
 #include <algorithm>
@@ -15,16 +16,16 @@
 #include <span>
 #include <utility>
 
-namespace configuration {
+namespace secm::platform {
 namespace {
 
 constexpr std::int64_t smallestInteger = -2147483648LL;
 constexpr std::int64_t largestInteger = 4294967295LL;
 
-// Far more than any path that is read, and far less than would exhaust the stack.
+// Far more than the longest path that is read, and far less than would exhaust the stack.
 constexpr unsigned deepestName = 200;
 
-// The entry named `name` among sorted ones; null when there is none.
+// The entry named `name` among entries sorted by name; null when there is none.
 template <class EntryType>
 EntryType* Find(std::span<EntryType> entries, std::string_view name)
 {
@@ -48,21 +49,24 @@ const char* KindOf(const toml::node& node)
     }
 }
 
-// One file on its way into the tree.
-class Merging {
+// Merges one file into the tree.
+class FileMerge {
 public:
-    Merging(Tree& intoTree, const std::string& path) : tree(intoTree), file(static_cast<unsigned>(tree.files.size()))
+    FileMerge(Tree& intoTree, const std::string& path) : tree(intoTree), file(static_cast<unsigned>(tree.files.size()))
     {
         tree.files.push_back(path);
     }
 
-    void MergeFile()
+    void Run(const CFG_FileObserver& observe)
     {
         const std::string& path = tree.files[file];
         const std::string content = ReadFile(path);
+        if (observe) {
+            observe(path, content);
+        }
         if (const auto position = FindTooDeep(content, deepestName)) {
             Refuse({file, position->line, position->column},
-                   "tables are nested more than " + std::to_string(deepestName) + " deep; shorten the path");
+                   fmt::format("tables are nested more than {} deep; shorten the path", deepestName));
         }
         try {
             Merge(tree.root, toml::parse(content));
@@ -72,14 +76,14 @@ public:
     }
 
 private:
-    // A name of a table on its way into the entry of that name.
+    // A key of a table with the entry that it is merged into.
     struct Item {
         const toml::key* key;
         const toml::node* value;
         Entry* entry;
         bool isNew;
 
-        // As they stand in the file.
+        // By place.
         bool operator<(const Item& other) const { return key->source().begin < other.key->source().begin; }
     };
 
@@ -89,7 +93,7 @@ private:
         const std::size_t first = items.size();
         AddItems(node.entries, table);
         for (std::size_t index = first, end = items.size(); index < end; ++index) {
-            const Item item = items[index]; // a copy, for tables in it add theirs
+            const Item item = items[index]; // a copy: merging a table appends to `items`
             MergeItem(node, item);
         }
         items.resize(first);
@@ -98,13 +102,14 @@ private:
                            [](const Entry& left, const Entry& right) { return left.name < right.name; });
     }
 
-    // In the order of the file. New entries stand behind the others, sorted among themselves, and empty.
+    // Appends the items of `table`, in the order of the file. Appends an empty entry for each new name; the new entries
+    // are sorted among themselves.
     void AddItems(std::pmr::vector<Entry>& entries, const toml::table& table)
     {
         const auto first = static_cast<std::ptrdiff_t>(items.size());
-        MakeRoom(entries, table.size()); // so that no entry moves meanwhile
+        MakeRoom(entries, table.size()); // items point to entries, so entries must not move
         const std::span earlier(entries.data(), entries.size());
-        for (auto&& [key, value] : table) { // by name
+        for (auto&& [key, value] : table) { // sorted by name
             Entry* found = Find(earlier, key.str());
             Entry* entry = found != nullptr ? found : &entries.emplace_back(Keep(key.str()));
             items.push_back({&key, &value, entry, found == nullptr});
@@ -129,16 +134,16 @@ private:
                 entry.value = ValueOf(*item.value, entry.name, place);
             }
         } else if (child == nullptr || entry.node == nullptr) {
-            Refuse(place, Quoted(entry.name) + " is " + (child != nullptr ? "a table" : "a value") + " here and " +
-                              (entry.node != nullptr ? "a table" : "a value") + " already at " + TextOf(entry.place) +
-                              "; remove or rename one of the two");
+            Refuse(place, fmt::format("'{}' is {} here and {} already at {}; remove or rename one of the two",
+                                      entry.name, child != nullptr ? "a table" : "a value",
+                                      entry.node != nullptr ? "a table" : "a value", TextOf(entry.place)));
         }
         if (child != nullptr) {
             Merge(*entry.node, *child);
         }
     }
 
-    // Exactly as much at first, and in growing steps when a node comes together from many files.
+    // Reserves what one file needs, and grows geometrically when many files add to a node.
     static void MakeRoom(std::pmr::vector<Entry>& entries, std::size_t more)
     {
         if (const std::size_t size = entries.size() + more; size > entries.capacity()) {
@@ -146,7 +151,7 @@ private:
         }
     }
 
-    // A copy that lives as long as the tree, with a NUL behind it.
+    // A copy in the tree's memory, followed by a NUL.
     std::string_view Keep(std::string_view text)
     {
         char* copy = static_cast<char*>(tree.memory.allocate(text.size() + 1, 1));
@@ -154,11 +159,9 @@ private:
         return {copy, text.size()};
     }
 
-    static std::string Quoted(std::string_view name) { return "'" + std::string(name) + "'"; }
-
     [[noreturn]] void Refuse(const Place& place, const std::string& why) const
     {
-        throw CFG_Error(TextOf(place) + ": " + why);
+        throw CFG_Error(fmt::format("{}: {}", TextOf(place), why));
     }
 
     Place PlaceOf(const toml::source_position& position) const
@@ -168,7 +171,7 @@ private:
 
     std::string TextOf(const Place& place) const
     {
-        return tree.files[place.file] + ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
+        return fmt::format("{}:{}:{}", tree.files[place.file], place.line, place.column);
     }
 
     void CheckName(std::string_view name, const Place& place) const
@@ -177,8 +180,8 @@ private:
             Refuse(place, "a name must not be empty");
         }
         if (name.find('\\') != std::string::npos || name.find('\0') != std::string::npos) {
-            Refuse(place, "the name " + Quoted(name.substr(0, name.find('\0'))) +
-                              " must contain neither a backslash nor a NUL");
+            Refuse(place, fmt::format("the name '{}' must contain neither a backslash nor a NUL",
+                                      name.substr(0, name.find('\0'))));
         }
     }
 
@@ -189,29 +192,28 @@ private:
         }
         const auto* integer = node.as_integer();
         if (integer == nullptr) {
-            Refuse(place, Quoted(name) + " must be a text or a whole number, found " + KindOf(node) +
-                              (node.is_array() ? "" : "; write it between quotes"));
+            Refuse(place, fmt::format("'{}' must be a text or a whole number, found {}{}", name, KindOf(node),
+                                      node.is_array() ? "" : "; write it between quotes"));
         }
         if (integer->get() < smallestInteger || integer->get() > largestInteger) {
-            Refuse(place, Quoted(name) + " must be from " + std::to_string(smallestInteger) + " to " +
-                              std::to_string(largestInteger) + ", found " + std::to_string(integer->get()));
+            Refuse(place, fmt::format("'{}' must be from {} to {}, found {}", name, smallestInteger, largestInteger,
+                                      integer->get()));
         }
         return Keep(std::to_string(integer->get()));
     }
 
     Tree& tree;
     unsigned file;
-    // Of the tables that are being merged, each behind the one that it is in: one storage for all of them.
-    std::vector<Item> items;
+    std::vector<Item> items; // of the tables that are being merged, the innermost table's last
 };
 
 } // namespace
 
-std::shared_ptr<const Tree> LoadTree(const std::string& path)
+std::shared_ptr<const Tree> LoadTree(const std::string& path, const CFG_FileObserver& observe)
 {
     auto tree = std::make_shared<Tree>();
     for (const std::string& file : FindFiles(path)) {
-        Merging(*tree, file).MergeFile();
+        FileMerge(*tree, file).Run(observe);
     }
     return tree;
 }
@@ -238,4 +240,4 @@ const Entry* FindEntry(const Node& start, std::string_view path)
     }
 }
 
-} // namespace configuration
+} // namespace secm::platform
