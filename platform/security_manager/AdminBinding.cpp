@@ -1,5 +1,5 @@
-// Linked into the module in place of the administration library: opens that library when its first operation
-// is asked for, so that a host which never connects never needs it.
+// Linked into the module in place of the administration library. Opens that library at the first call of its
+// operations, so that a host that never connects never needs it.
 #include "platform/security_manager/SMADM_Interface.h"
 
 #include "platform/KeptUntilUnload.h"
@@ -12,21 +12,22 @@
 #include <stdexcept>
 #include <string>
 
+namespace secm::platform {
 namespace {
 
 class AdminLibrary {
 public:
     static AdminLibrary& Opened()
     {
-        // A failed opening throws out of the initialisation, so the next call tries again.
-        static AdminLibrary& library = secm::platform::KeptUntilUnload<AdminLibrary>();
+        // When opening throws, `library` stays uninitialised, and the next call tries again.
+        static AdminLibrary& library = KeptUntilUnload<AdminLibrary>();
         return library;
     }
 
     AdminLibrary() : path(Path()), handle(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL))
     {
         if (handle == nullptr) {
-            // The loader's reason may name only another library that this one needs.
+            // The loader's reason may name only a library that this one needs.
             throw std::runtime_error("the administration library '" + path + "' cannot be opened: " + Reason());
         }
         try {
@@ -46,15 +47,15 @@ public:
     decltype(&::releaseSECM_Interface) release = nullptr;
 
 private:
-    // Beside this library when it is there, which keeps the two of one installation together; a damaged file
-    // there is an error and no reason to look elsewhere.
+    // A file beside this library is preferred, because it belongs to the same installation. When that file is damaged,
+    // opening it fails; no other place is searched.
     static std::string Path()
     {
         const std::string name = SECM_ADMIN_LIBRARY;
         Dl_info self{};
         void* map = nullptr;
         std::string folder(PATH_MAX, '\0');
-        // A program that holds the module's code has no name here; its own search path then leads.
+        // A program that contains the module's code has no name here; the loader's search path is used then.
         if (dladdr1(reinterpret_cast<const void*>(&Path), &self, &map, RTLD_DL_LINKMAP) != 0 &&
             *static_cast<link_map*>(map)->l_name != '\0' && dlinfo(map, RTLD_DI_ORIGIN, folder.data()) == 0) {
             std::string beside = std::string(folder.c_str()) + "/" + name;
@@ -86,6 +87,9 @@ private:
 };
 
 } // namespace
+} // namespace secm::platform
+
+using secm::platform::AdminLibrary;
 
 extern "C" SMADM_Interface* getSECM_Interface(const char* applicationName, unsigned interfaceVersion)
 {

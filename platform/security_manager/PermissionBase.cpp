@@ -1,12 +1,14 @@
 #include "platform/security_manager/PermissionBase.h"
 
 #include <charconv>
+#include <cstddef>
 #include <optional>
+#include <system_error>
 
 namespace {
 
-// One field of the serialized form: its length in decimal, a colon, its bytes: any but NUL, which no name or
-// resource can hold.
+// A field of the serialized form is its length in decimal, a colon and its bytes. The bytes hold no NUL, because no
+// name or resource does.
 void AppendField(std::string& bytes, std::string_view field)
 {
     bytes += std::to_string(field.size());

@@ -1,4 +1,4 @@
-// One permission: a name, a set of bits that says what of it is meant, and the resource it is for.
+// One permission: a name, a value whose bits are separate rights, and the resource that it is for.
 #pragma once
 
 #include "platform/Export.h"
@@ -11,10 +11,10 @@ class PLATFORM_EXPORT serializeable {
 public:
     virtual ~serializeable();
 
-    /// This object as bytes that `deserialize` of the same class reads back.
+    /// This object as bytes for `deserialize` of the same class.
     virtual std::string serialize() const = 0;
 
-    /// Takes over what `serialize` wrote. False, and nothing changed, when `bytes` are not that.
+    /// Takes the state that `serialize` wrote. False, and this object is unchanged, when `bytes` are anything else.
     virtual bool deserialize(std::string_view bytes) = 0;
 };
 
@@ -41,7 +41,7 @@ public:
     /// The texts stay valid while this object lives unchanged.
     const char* name() const { return texts.c_str(); }
     unsigned value() const { return permissionValue; }
-    /// Null when there is none, which is not the same as an empty one.
+    /// Null when there is none; an empty resource is something else.
     const char* resource() const { return texts.size() > nameLength ? texts.c_str() + nameLength + 1 : nullptr; }
     bool IsConditional() const { return isConditional; }
 
@@ -57,8 +57,8 @@ public:
     }
 
 private:
-    // The name and, where there is a resource, a NUL and the resource: neither can hold a NUL, so that equal texts are
-    // equal permissions. Long lists are of these, so they are small.
+    // The name and, when there is a resource, a NUL and the resource. Neither can hold a NUL, so permissions are equal
+    // when these texts are. One text keeps the object small, for long lists.
     std::string texts;
     std::size_t nameLength;
     unsigned permissionValue;

@@ -1,11 +1,11 @@
-// What the security manager may ask of whoever logs a user in. A host overrides what it can answer; every
-// default answers "no" (false) or leaves nothing behind.
+// What the security manager may ask the caller that logs a user in. A host overrides the questions that it can answer.
+// The defaults answer false, or clear the text.
 #pragma once
 
 #include <string>
 
-/// An operation that answers true has written its text into `out`; one that answers false has no answer to
-/// give. Called on the thread that called the security manager, during that call.
+/// True: the answer is in `out`. False: there is no answer. Called on the thread that called the security manager,
+/// during that call.
 class SECM_CallBackInterface {
 public:
     virtual ~SECM_CallBackInterface() = default;

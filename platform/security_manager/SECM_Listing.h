@@ -1,5 +1,5 @@
-// For tools that look at a security manager's users as a whole. The module needs none of it, so a security manager of a
-// host's own may leave it out.
+// What tools ask of a security manager beyond requests: lists of its users and grants, and what it would refuse. The
+// module does not use this, so a security manager of a host's own may leave it out.
 #pragma once
 
 #include "platform/Export.h"
@@ -11,8 +11,8 @@
 
 /// One permission as it was granted.
 struct SECM_Grant {
-    long long position; ///< Names the grant: grants come in the order of their positions.
-    bool isToGroup;     ///< Else to a user.
+    long long position; ///< Identifies the grant; grants are listed by position.
+    bool isToGroup;     ///< False: to a user.
     std::string grantee;
     PermissionBase permission;
 };
@@ -24,15 +24,15 @@ struct SECM_Attribute {
     std::string value;
 };
 
-/// A property of the connection that lets outsiders change the answers.
+/// A property of the connection that lets others change the answers.
 struct SECM_Risk {
     std::string problem;
     std::string effect;
     std::string remedy;
 };
 
-/// Each operation calls `handle` for one row after the other, in constant memory; what `handle` throws ends it and
-/// passes through. Throws std::runtime_error when it cannot go on, and never leaves rows out. One thread at a time.
+/// Each operation calls `handle` for one row after another, in constant memory. An exception of `handle` ends it and
+/// passes through. Throws std::runtime_error when it cannot go on; it never leaves rows out. One thread at a time.
 class SECM_ListingInterface {
 public:
     virtual ~SECM_ListingInterface() = default;
@@ -44,18 +44,24 @@ public:
     /// All attributes, those of one user together.
     virtual void ForEachAttribute(const std::function<void(const SECM_Attribute& attribute)>& handle) = 0;
 
-    /// Reads everything that is stored and throws when it is damaged, also where requests would not notice. May take
-    /// long. A security manager that cannot check this does nothing.
+    /// Reads everything that is stored and throws when it is damaged, even where requests would not notice. May take
+    /// long. Does nothing when the security manager cannot check this.
     virtual void CheckIntegrity() {}
     /// The risks of the connection that the security manager can detect.
     virtual void ForEachRisk(const std::function<void(const SECM_Risk& risk)>& /*handle*/) {}
 };
 
 /// Connects, with the arguments of SecurityManagerInterface::Initialize. Throws std::runtime_error, without quoting
-/// what `connectionText` keeps secret, when that fails. Null where the security manager does not offer it.
+/// secrets of `connectionText`, when that fails. A weak symbol: null where the security manager does not offer it.
 PLATFORM_EXPORT __attribute__((weak)) std::unique_ptr<SECM_ListingInterface>
 openSECM_Listing(const char* connectionText, unsigned timeoutSeconds);
 
+/// Throws the std::runtime_error that a request throws when `permission` is granted to its user and
+/// `SECM_ALLOWED_RESOURCES` does not allow the resource; in place of the row, the text names the permission. Throws as
+/// a request does when the variable is no regular expression. Does nothing while it is unset. Any thread may call. A
+/// weak symbol: null where the security manager does not offer it.
 PLATFORM_EXPORT __attribute__((weak)) void requireSECM_AllowedGrant(const PermissionBase& permission);
+
+/// Likewise when the user has the attribute `name` with `value` and `SECM_ALLOWED_ATTRIBUTES` does not allow the value.
 PLATFORM_EXPORT __attribute__((weak)) void requireSECM_AllowedAttribute(const std::string& name,
                                                                         const std::string& value);

@@ -1,4 +1,4 @@
-// Compiled into each library that needs the two operations, so that neither depends on the other's copy.
+// Compiled into each library that needs the constructor and destructor, so that no library depends on another's copy.
 #include "platform/security_manager/SecurityManagerInterface.h"
 
 SecurityManagerInterface::SecurityManagerInterface() = default;
@@ -12,7 +12,7 @@ SecurityManagerInterface::~SecurityManagerInterface()
 
 #if defined(__GNUC__) && !defined(__clang__) && defined(__LP64__)
 // GCC leaves the destructor's two entries null in the virtual table of an abstract class. The relocations fill them.
-// They stand behind the table's two header words and the seven pure operations, 8 bytes each.
+// They follow the table's two header words and the seven pure operations, 8 bytes each.
 asm(".reloc _ZTV24SecurityManagerInterface + 72, BFD_RELOC_64, _ZN24SecurityManagerInterfaceD1Ev\n"
     ".reloc _ZTV24SecurityManagerInterface + 80, BFD_RELOC_64, _ZN24SecurityManagerInterfaceD0Ev");
 #endif

@@ -16,27 +16,26 @@ class PLATFORM_EXPORT SecurityManagerInterface {
 public:
     SecurityManagerInterface();
 
-    /// Connects. `connectionText` and `timeoutSeconds` (0: the security manager's own) say to what and for how long to
-    /// try, `mode` how: "nonsecure". `callback` may be asked during calls of this object only, never after its owner's
-    /// last one. False: not usable; the reason is logged.
+    /// Connects to what `connectionText` names, within `timeoutSeconds` (0: the security manager's own limit). `mode`
+    /// is "nonsecure". Calls of this object may ask `callback` until the next Initialize or the release. False: not
+    /// usable; the reason is logged.
     virtual bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode,
                             SECM_CallBackInterface* callback, bool flag) = 0;
 
-    /// Asks `callback` whom to log in, in place of the user logged in before. Read the result by
-    /// `IsLoggedIn`.
+    /// Logs in the user whom `callback` names, in place of the user logged in before. `IsLoggedIn` tells the result.
     virtual bool Login(SECM_CallBackInterface* callback, bool flag) = 0;
 
     /// Whether a user is logged in for `application`, the name that the callback gave at `Login`.
     virtual bool IsLoggedIn(const char* application) = 0;
 
-    /// Forgets the user; true when there was one.
+    /// Logs the user out. True when there was one.
     virtual bool Logout() = 0;
 
-    /// Whether the user holds `permission` as it stands; asked without a resource: without restriction.
+    /// Whether the user holds exactly `permission`; without a resource: whether the user holds it without restriction.
     virtual bool CheckPermission(const PermissionBase& permission) = 0;
 
     /// Appends, in the order of granting, the resources for which the user holds `permissionName` with every
-    /// bit of `permissionValue`. False: it could not be told, and nothing was appended.
+    /// bit of `permissionValue`. False: the resources cannot be told, and nothing was appended.
     virtual bool GetResources(const std::string& permissionName, unsigned permissionValue,
                               std::vector<std::string>& resources) = 0;
 
@@ -46,11 +45,11 @@ public:
     virtual ~SecurityManagerInterface();
 };
 
-/// A new interface for the caller named `applicationName`, to be given back by
-/// `releaseSecurityManagerInterface` at some time or never (it is then freed when the library is unloaded).
-/// Null when the library does not serve `interfaceVersion`.
+/// A new interface for the caller named `applicationName`. `releaseSecurityManagerInterface` frees it; an interface
+/// that is never released is freed when the library is unloaded. Null when the library does not serve
+/// `interfaceVersion`.
 PLATFORM_EXPORT SecurityManagerInterface* getSecurityManagerInterface(const char* applicationName,
                                                                       unsigned interfaceVersion);
 
-/// Disconnects and frees `securityManager`. Null is passed over.
+/// Disconnects and frees `securityManager`. Null is ignored.
 PLATFORM_EXPORT void releaseSecurityManagerInterface(SecurityManagerInterface* securityManager);

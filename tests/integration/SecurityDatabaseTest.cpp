@@ -251,6 +251,43 @@ TEST_P(ChangedFileTest, IsReadAsItIsOrRefused)
 
 INSTANTIATE_TEST_SUITE_P(OfSqlite, ChangedFileTest, testing::ValuesIn(CaseRows("changed_files.txt")), CaseName);
 
+TEST(AllowedTextsTest, TheListingRefusesWhatARequestWould)
+{
+    const auto refusal = [](const auto& require) -> std::string {
+        try {
+            require();
+            return "";
+        } catch (const std::runtime_error& error) {
+            return error.what();
+        }
+    };
+    struct Case {
+        const char* variable; // its expression is [a-z]*
+        const char* resource;
+        std::string ofGrant;
+        std::string ofAttribute;
+    };
+    const std::string resources = " holds a text that SECM_ALLOWED_RESOURCES does not allow";
+    const std::string attributes = " holds a text that SECM_ALLOWED_ATTRIBUTES does not allow";
+    for (const auto& [variable, text, ofGrant, ofAttribute] : std::vector<Case>{
+             {"UNUSED", "a'b", "", ""},
+             {"SECM_ALLOWED_RESOURCES", "ab", "", ""},
+             {"SECM_ALLOWED_RESOURCES", "%my%", "", ""},
+             {"SECM_ALLOWED_RESOURCES", nullptr, "", ""},
+             {"SECM_ALLOWED_RESOURCES", "a'b", "the permission 'p' for the resource 'a'b'" + resources, ""},
+             {"SECM_ALLOWED_ATTRIBUTES", "ab", "", ""},
+             {"SECM_ALLOWED_ATTRIBUTES", "%my%", "", "the attribute 'p' with the value '%my%'" + attributes}}) {
+        setenv(variable, "[a-z]*", 1);
+        EXPECT_EQ(refusal([&] { requireSECM_AllowedGrant(PermissionBase("p", 1, text, false)); }), ofGrant);
+        EXPECT_EQ(refusal([&] { requireSECM_AllowedAttribute("p", text != nullptr ? text : ""); }), ofAttribute);
+        setenv(variable, "(", 1);
+        EXPECT_THAT(refusal([&] { requireSECM_AllowedGrant(PermissionBase("p", 1, "%my%", false)); }) +
+                        refusal([&] { requireSECM_AllowedAttribute("p", "v"); }),
+                    testing::HasSubstr(std::string(variable) == "UNUSED" ? "" : " is no regular expression: "));
+        unsetenv(variable);
+    }
+}
+
 TEST(PermissionBaseTest, SurvivesSerialization)
 {
     PermissionBase copy("other", 1, "other", false);

@@ -1,9 +1,15 @@
 #include "platform/security_manager/sql/AllowedTexts.h"
 
+#include "platform/security_manager/PermissionBase.h"
+#include "platform/security_manager/SECM_Constants.h"
+
+#include <fmt/format.h>
 #include <re2/re2.h>
 
 #include <cstdlib>
 #include <stdexcept>
+
+namespace secm::platform {
 
 AllowedTexts::AllowedTexts(const char* environmentVariable) : variable(environmentVariable)
 {
@@ -12,20 +18,31 @@ AllowedTexts::AllowedTexts(const char* environmentVariable) : variable(environme
         return;
     }
     if (*text == '\0') {
-        throw std::runtime_error(std::string(variable) +
-                                 " is empty; write a regular expression, or unset it to allow all");
+        throw std::runtime_error(
+            fmt::format("{} is empty; write a regular expression, or unset it to allow all", variable));
     }
     expression = std::make_unique<re2::RE2>(text, re2::RE2::Quiet);
     if (!expression->ok()) {
-        throw std::runtime_error(std::string(variable) + " is no regular expression: " + expression->error());
+        throw std::runtime_error(fmt::format("{} is no regular expression: {}", variable, expression->error()));
     }
 }
 
 AllowedTexts::~AllowedTexts() = default;
 
-void AllowedTexts::Require(const std::string& text, const RowPlace& place) const
+bool AllowedTexts::Allows(const std::string& text) const
 {
-    if (expression && !re2::RE2::FullMatch(text, *expression)) {
-        throw std::runtime_error(place.Text() + " holds a text that " + variable + " does not allow");
-    }
+    return !expression || re2::RE2::FullMatch(text, *expression);
 }
+
+void AllowedTexts::Refuse(const std::string& place) const
+{
+    throw std::runtime_error(fmt::format("{} holds a text that {} does not allow", place, variable));
+}
+
+bool AllowsResourceOf(const AllowedTexts& allowed, const PermissionBase& permission)
+{
+    const char* resource = permission.resource();
+    return resource == nullptr || resource == ownValue || allowed.Allows(resource);
+}
+
+} // namespace secm::platform

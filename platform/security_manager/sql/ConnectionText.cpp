@@ -1,5 +1,6 @@
 #include "platform/security_manager/sql/ConnectionText.h"
 
+#include <fmt/format.h>
 #include <libpq-fe.h>
 
 #include <algorithm>
@@ -20,7 +21,7 @@ constexpr std::string_view postgreSqlScheme = "postgresql://";
 constexpr std::string_view schemeEnd = "://";
 constexpr std::string_view hidden = "***";
 
-// All are harmless; other keys are refused.
+// None of them holds a secret; other keys are refused.
 constexpr std::array<std::string_view, 6> sqliteKeys = {"db",       "dbname",       "timeout",
                                                         "readonly", "shared_cache", "synchronous"};
 constexpr std::array<std::string_view, 12> harmlessPostgreSqlKeys = {"host",
@@ -52,8 +53,8 @@ unsigned SecondsOf(std::string_view value)
     const char* end = value.data() + value.size();
     if (const auto [stop, error] = std::from_chars(value.data(), end, seconds);
         error != std::errc() || stop != end || seconds > longestTimeoutSeconds) {
-        throw std::runtime_error("timeout in the connection text is no number of seconds up to " +
-                                 std::to_string(longestTimeoutSeconds));
+        throw std::runtime_error(
+            fmt::format("timeout in the connection text is no number of seconds up to {}", longestTimeoutSeconds));
     }
     return seconds;
 }
@@ -106,7 +107,7 @@ SqliteAddress SqliteAddressOf(std::string_view text, unsigned timeoutSeconds)
     return address;
 }
 
-// Uses the client library's own parser. Its error message is dropped, because it quotes parts of the text.
+// Uses the client library's parser. Its error message is dropped, because it quotes parts of the text.
 std::vector<Setting> PostgreSqlSettingsOf(const std::string& text)
 {
     char* reason = nullptr;
@@ -148,14 +149,15 @@ void RequireSeparateSettings(const std::vector<Setting>& settings)
         if (isQuoted &&
             (setting.value.find('=') != std::string::npos || setting.value.find(schemeEnd) != std::string::npos ||
              (setting.key.starts_with("host") && setting.value.find('@', 1) != std::string::npos))) {
-            throw std::runtime_error(setting.key + " in the connection text holds more than one setting; write them "
-                                                   "apart by blanks: host=... port=... dbname=... user=...");
+            throw std::runtime_error(fmt::format("{} in the connection text holds more than one setting; write them "
+                                                 "apart by blanks: host=... port=... dbname=... user=...",
+                                                 setting.key));
         }
     }
 }
 
-// SOCI rewrites the text for the client library, and drops blanks of a value that has several. Another password would
-// be tried, or a part of it would be read as a key and quoted in a message. In options no harm is done.
+// SOCI rewrites the text for the client library, and drops some blanks of a value that has several. Another password
+// would be tried, or a part of it would be read as a key and quoted in a message. In `options` lost blanks do no harm.
 void RequireFewBlanks(const Setting& setting)
 {
     if (setting.key == "options") {
@@ -165,9 +167,10 @@ void RequireFewBlanks(const Setting& setting)
     for (const char character : setting.value) {
         if (std::isspace(static_cast<unsigned char>(character)) != 0) {
             if (isAfterBlank || character != ' ') {
-                throw std::runtime_error("the value of " + setting.key +
-                                         " in the connection text holds several blanks, of which some would be lost; "
-                                         "a password can stand in a password file: passfile=FILE");
+                throw std::runtime_error(fmt::format(
+                    "the value of {} in the connection text holds several blanks, of which some would be lost; a "
+                    "password can stand in a password file: passfile=FILE",
+                    setting.key));
             }
             isAfterBlank = true;
         } else if (character == '=') {
@@ -194,9 +197,9 @@ PostgreSqlAddress PostgreSqlAddressOf(const std::string& text, unsigned timeoutS
     RequireKeys(text);
     const std::vector<Setting> settings = PostgreSqlSettingsOf(text);
     RequireSeparateSettings(settings);
-    // Our settings stand where the text has none of that key. The library of Kerberos' encryption ends the process when
-    // memory runs out. Without client_encoding, PGCLIENTENCODING could convert names into those of other users. It
-    // stands last, because SOCI drops what follows a last value with a blank.
+    // Our settings are added for the keys that the text does not have. The library of Kerberos' encryption ends the
+    // process when memory runs out. Without client_encoding, PGCLIENTENCODING could convert names into those of other
+    // users. That setting is the last, because SOCI drops what follows the blank in a last value that has one.
     std::vector<Setting> added = {{"gssencmode", "disable"}};
     if (timeoutSeconds != 0) {
         const std::string timeout = std::to_string(timeoutSeconds);

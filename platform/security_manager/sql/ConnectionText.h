@@ -7,12 +7,12 @@
 
 namespace secm::platform {
 
-/// A longer limit would overflow the milliseconds in which the databases count.
+/// A longer limit would overflow the databases' counters of milliseconds.
 inline constexpr unsigned longestTimeoutSeconds = 2'000'000;
 
 struct SqliteAddress {
-    std::string file;            ///< As written, never empty.
-    unsigned timeoutSeconds = 0; ///< How long a statement waits for a lock; 0: not at all.
+    std::string file;            ///< As written; never empty.
+    unsigned timeoutSeconds = 0; ///< For how long a statement waits for a lock; 0: it does not wait.
     bool sharesCache = false;
 };
 

@@ -1,9 +1,12 @@
 #include "platform/security_manager/sql/DatabaseAccess.h"
 
+#include <fmt/format.h>
 #include <soci/postgresql/soci-postgresql.h>
 
 #include <algorithm>
 #include <stdexcept>
+
+namespace secm::platform {
 
 soci::postgresql_session_backend* PostgreSqlOf(soci::session& session)
 {
@@ -25,13 +28,12 @@ std::string ReasonOf(const std::runtime_error& error)
 std::string RowPlace::Text() const
 {
     if (userName.data() != nullptr) {
-        return std::string(table) + " of '" + std::string(userName) + "'";
+        return fmt::format("{} of '{}'", table, userName);
     }
-    return position ? std::string("the row of ") + table + " at position " + std::to_string(*position)
-                    : std::string("a row of ") + table;
+    return position ? fmt::format("the row of {} at position {}", table, *position) : fmt::format("a row of {}", table);
 }
 
-// The interfaces hand texts out up to their first NUL; cut short they would be other names and other resources.
+// The interfaces give texts up to their first NUL. A text that ends there would be another name or another resource.
 const std::string& TextColumn::At(const RowPlace& place) const
 {
     if (indicator == soci::i_null) {
@@ -43,8 +45,8 @@ const std::string& TextColumn::At(const RowPlace& place) const
     return text;
 }
 
-// SQLite keeps whatever was written into a number column, so what is no whole number of 32 bits becomes -1
-// here and a fault below; a condition that is anything but 0 is one, for a condition grants less.
+// SQLite stores values of any type in a number column. A value that is no whole number of 32 bits becomes -1 here,
+// which PermissionRow::Permission refuses. An is_conditional other than 0 counts as 1, because a condition grants less.
 const char* const permissionColumns =
     "security_permission.position, security_permission.permission_name, security_permission.resource,"
     " CASE WHEN security_permission.permission_value BETWEEN 0 AND 4294967295"
@@ -65,9 +67,12 @@ PermissionBase PermissionRow::Permission() const
 {
     const RowPlace place{"security_permission", {}, position};
     if (value < 0) {
-        throw std::runtime_error(place.Text() + " has a permission_value that is no whole number from 0 to 4294967295");
+        throw std::runtime_error(
+            fmt::format("{} has a permission_value that is no whole number from 0 to 4294967295", place.Text()));
     }
     const bool hasResource = resource.indicator != soci::i_null;
     return {name.At(place).c_str(), static_cast<unsigned>(value), hasResource ? resource.At(place).c_str() : nullptr,
             isConditional != 0};
 }
+
+} // namespace secm::platform

@@ -1,4 +1,4 @@
-// Shared by all readers of a security database: the columns of a row, and the texts of errors.
+// What all readers of a security database share: the columns of a row, the texts of errors, and the log.
 #pragma once
 
 #include "platform/security_manager/PermissionBase.h"
@@ -14,13 +14,19 @@ namespace soci {
 struct postgresql_session_backend;
 }
 
-/// What SOCI has of a session on PostgreSQL, which keeps it; null on SQLite.
+namespace secm::platform {
+
+/// The number of the security database's readers in the log, and the number of their log.
+inline constexpr int databaseLogModule = 198;
+inline constexpr int databaseLogNumber = 1;
+
+/// SOCI's state of a session on PostgreSQL, owned by the session; null on SQLite.
 soci::postgresql_session_backend* PostgreSqlOf(soci::session& session);
 
-/// What went wrong, in one line: databases explain themselves in several.
+/// The text of the error in one line. Messages of databases have several.
 std::string ReasonOf(const std::runtime_error& error);
 
-/// Where an administrator finds a row: a user's by the name, a permission's by its position; some row, without both.
+/// Names a row in messages: by the user name, else by the position, else only by its table.
 struct RowPlace {
     const char* table;
     std::string_view userName = {};
@@ -30,7 +36,7 @@ struct RowPlace {
 };
 
 struct TextColumn {
-    std::string text; ///< What the row before it left there, when this one is null.
+    std::string text; ///< Of an earlier row when `indicator` is null.
     soci::indicator indicator = soci::i_null;
 
     /// The text. Throws std::runtime_error, which names `place`, when it is null or holds a NUL.
@@ -52,3 +58,5 @@ struct PermissionRow {
     /// Throws std::runtime_error, which names the position, when the row holds no permission.
     PermissionBase Permission() const;
 };
+
+} // namespace secm::platform

@@ -5,6 +5,7 @@
 #include "platform/security_manager/sql/DatabaseAccess.h"
 #include "platform/security_manager/sql/SecurityColumns.h"
 
+#include <fmt/format.h>
 #include <openssl/crypto.h>
 #include <soci/postgresql/soci-postgresql.h>
 #include <soci/sqlite3/soci-sqlite3.h>
@@ -20,15 +21,14 @@ namespace secm::platform {
 namespace {
 
 constexpr int noticeLevel = 6;
-constexpr int moduleNumber = 198;
 constexpr const char* quickCheckVariable = "SECM_QUICK_CHECK";
 
-// Replaces the client library's own, which writes to the host's standard error. No exception may reach that library. A
-// notice is never the reason of a failure, so it may be lost.
+// Replaces the client library's own function, which writes to the host's standard error. No exception may reach that
+// library. A notice never explains a failure, so it may be lost.
 void LogNotice(void* /*unused*/, const char* text) noexcept
 try {
     if (TmrGLog.StoreParams("platform/security_manager/sql/DatabaseConnection", __func__, __LINE__, noticeLevel,
-                            moduleNumber, 1) != 0) {
+                            databaseLogModule, databaseLogNumber) != 0) {
         TmrGLog.Log("The security database says: %s", text);
     }
 } catch (const std::exception&) {
@@ -39,8 +39,9 @@ bool WantsQuickCheck()
     const char* wanted = std::getenv(quickCheckVariable);
     const std::string text = wanted != nullptr ? wanted : "";
     if (!text.empty() && text != "0" && text != "1") {
-        throw std::runtime_error(std::string(quickCheckVariable) + " is '" + text +
-                                 "'; set it to 1 to check the whole file with each new connection, or to 0");
+        throw std::runtime_error(
+            fmt::format("{} is '{}'; set it to 1 to check the whole file with each new connection, or to 0",
+                        quickCheckVariable, text));
     }
     return text == "1";
 }
@@ -124,7 +125,7 @@ std::optional<SECM_Risk> DatabaseConnection::Risk()
     if (!CanBeImpersonated(address, sslMode)) {
         return std::nullopt;
     }
-    return SECM_Risk{"the server at " + address + " is not this machine, and sslmode is '" + sslMode + "'",
+    return SECM_Risk{fmt::format("the server at {} is not this machine, and sslmode is '{}'", address, sslMode),
                      "whoever can stand between, or answer in the server's name, decides what everybody sees",
                      "write sslmode=verify-full and sslrootcert=FILE in the connection text; see docs/operations.md"};
 }

@@ -32,7 +32,7 @@ public:
     /// Whether the SQLite file's name still leads to the file that is open. True for a server.
     bool IsCurrent() const { return !file || file->IsCurrent(); }
 
-    /// Call it after reading: throws when the SQLite file is incomplete, so that rows may be missing.
+    /// Throws when the SQLite file is incomplete, so that rows may be missing. Call it after reading.
     void RequireWhole();
 
     /// Reads the whole SQLite file and throws when it is damaged. Does nothing for a server.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+namespace secm::platform {
+
 void GrantedPermissions::Add(const PermissionBase& permission)
 {
     const std::string_view name = permission.name();
@@ -61,3 +63,5 @@ void GrantedPermissions::AppendResources(std::string_view name, unsigned value,
         }
     }
 }
+
+} // namespace secm::platform

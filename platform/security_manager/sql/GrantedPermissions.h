@@ -1,5 +1,4 @@
-// What one user is granted, kept by name, which is how it is asked for: a user may be granted a hundred thousand
-// resources.
+// The permissions of one user, indexed by name: a user may be granted a hundred thousand resources.
 #pragma once
 
 #include "platform/security_manager/PermissionBase.h"
@@ -11,15 +10,17 @@
 #include <string_view>
 #include <vector>
 
+namespace secm::platform {
+
 class GrantedPermissions {
 public:
-    /// Permissions are added in the order of granting.
+    /// Call it in the order of granting.
     void Add(const PermissionBase& permission);
 
-    /// Gives back the room that was held for more permissions.
+    /// Frees the memory that was reserved for more permissions.
     void ShrinkToFit();
 
-    /// The first permission that is equal to `sought`.
+    /// The first permission that is equal to `sought`; no value when there is none.
     std::optional<PermissionBase> FirstEqual(const PermissionBase& sought) const;
 
     /// Appends the resources of the permissions named `name` that hold every bit of `value`.
@@ -33,12 +34,14 @@ private:
     };
 
     struct OfOneName {
-        std::optional<PermissionBase> firstWithoutResource; // later ones are equal to it, so nobody asks for them
+        std::optional<PermissionBase> firstWithoutResource; // later ones are equal to it and never found
         std::vector<Resource> resources;
-        std::string texts; // each with a NUL behind it
+        std::string texts; // of the resources, each followed by a NUL
 
         const char* TextOf(const Resource& resource) const { return texts.data() + resource.position; }
     };
 
     std::map<std::string, OfOneName, std::less<>> byName;
 };
+
+} // namespace secm::platform

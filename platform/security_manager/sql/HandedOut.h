@@ -1,14 +1,18 @@
-// Owns the interfaces that a library hands out. One that a caller never gives back is freed with this object, when the
+// Owns the interfaces that a library hands out. An interface that is never released is freed with this object, when the
 // library is unloaded.
 #pragma once
 
 #include <memory>
 #include <mutex>
 #include <unordered_map>
+#include <utility>
+
+namespace secm::platform {
 
 template <class Interface>
 class HandedOut {
 public:
+    /// Takes ownership. Any thread may call this and Release.
     Interface* Keep(std::unique_ptr<Interface> handedOut)
     {
         Interface* key = handedOut.get();
@@ -17,6 +21,7 @@ public:
         return key;
     }
 
+    /// Destroys the interface; does nothing when `key` is none of those kept.
     void Release(Interface* key)
     {
         std::unique_ptr<Interface> released;
@@ -31,3 +36,5 @@ private:
     std::mutex mutex;
     std::unordered_map<Interface*, std::unique_ptr<Interface>> kept;
 };
+
+} // namespace secm::platform

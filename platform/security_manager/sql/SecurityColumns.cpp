@@ -2,6 +2,7 @@
 
 #include "platform/security_manager/sql/DatabaseAccess.h"
 
+#include <fmt/format.h>
 #include <soci/postgresql/soci-postgresql.h>
 #include <soci/sqlite3/soci-sqlite3.h>
 
@@ -77,9 +78,9 @@ void RequireOnPostgreSql(PGconn* connection)
 
 std::string NotText(const SecurityColumn& column)
 {
-    return std::string("the column ") + column.table + "." + column.name +
-           " must be of the type VARCHAR or TEXT and hold nothing but text; change its type, or the rows that hold "
-           "something else";
+    return fmt::format("the column {}.{} must be of the type VARCHAR or TEXT and hold nothing but text; change its "
+                       "type, or the rows that hold something else",
+                       column.table, column.name);
 }
 
 void RequireTextColumns(soci::session& session)

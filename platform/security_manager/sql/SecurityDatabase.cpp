@@ -1,32 +1,32 @@
-// Every statement answers rows of one shape (section, position, name, text, value, is_conditional), so that a
-// log-in is one statement and therefore one consistent view: the user, then the attributes, then the
-// permissions.
+// Every statement gives rows of the same columns (section, position, name, text, value, is_conditional). So a log-in is
+// one statement, which sees one snapshot: the user, then the attributes, then the permissions.
 #include "platform/security_manager/sql/SecurityDatabase.h"
 
 #include "platform/logging/Tmr_LogFile.h"
+#include "platform/security_manager/SECM_Constants.h"
 #include "platform/security_manager/sql/AllowedTexts.h"
 #include "platform/security_manager/sql/ConnectionText.h"
 #include "platform/security_manager/sql/DatabaseAccess.h"
 #include "platform/security_manager/sql/DatabaseConnection.h"
 #include "platform/security_manager/sql/GrantedPermissions.h"
 
+#include <fmt/format.h>
+
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
-#include <string_view>
+#include <utility>
 
+namespace secm::platform {
 namespace {
 
 constexpr int failureLevel = 3;
-constexpr int moduleNumber = 198;
 
 enum Section : long long { userSection = 0, attributeSection = 1, permissionSection = 2 };
 
-constexpr std::string_view ownValue = "%my%";
-
-// Compares names twice: by the column's own collation, which can use an index, and byte for byte.
+// Conditions that compare names twice: by the column's own collation, which can use an index, and byte for byte.
 class NameComparison {
 public:
     explicit NameComparison(const char* bytewiseCollation) : collation(bytewiseCollation) {}
@@ -99,7 +99,7 @@ public:
 
     bool IsCurrent() const { return connection.IsCurrent(); }
 
-    // Tables, columns and rights show only when a statement runs; what it finds is the requests' business.
+    // Runs both statements: a missing table, column or right is noticed only then. Requests check the rows.
     void TryStatements()
     {
         for (soci::statement* statement : {&userWithPermissions, &permissions}) {
@@ -118,11 +118,11 @@ public:
         while (userWithPermissions.fetch()) {
             if (section == userSection) {
                 if (found) {
-                    throw std::runtime_error("the user '" + name + "' has more than one row in security_user");
+                    throw std::runtime_error(fmt::format("the user '{}' has more than one row in security_user", name));
                 }
                 found.emplace().user.groupName = GroupName();
             } else if (!found) {
-                continue; // attributes and permissions of a name that is no user's
+                continue; // attributes and permissions of a name that no user has
             } else if (section == attributeSection) {
                 AddAttribute(found->user);
             } else {
@@ -152,7 +152,8 @@ private:
         const RowPlace place{"security_user", userName};
         const std::string& name = row.name.At(place);
         if (row.value < 0) {
-            throw std::runtime_error(place.Text() + " holds a group_name that is no text; write it as text");
+            throw std::runtime_error(
+                fmt::format("{} holds a group_name that is no text; write it as text", place.Text()));
         }
         return name;
     }
@@ -162,18 +163,19 @@ private:
         const RowPlace place{"security_attribute", userName};
         const std::string& attribute = row.name.At(place);
         const std::string& value = row.resource.At(place);
-        allowedAttributes.Require(value, place);
+        if (!allowedAttributes.Allows(value)) {
+            allowedAttributes.Refuse(place.Text());
+        }
         if (!user.attributes.emplace(attribute, value).second) {
-            throw std::runtime_error(place.Text() + " holds two values of '" + attribute + "'");
+            throw std::runtime_error(fmt::format("{} holds two values of '{}'", place.Text(), attribute));
         }
     }
 
     PermissionBase Permission() const
     {
         PermissionBase permission = row.Permission();
-        // The user's own value is an attribute, which has a rule of its own.
-        if (permission.resource() != nullptr && permission.resource() != ownValue) {
-            allowedResources.Require(permission.resource(), {"security_permission", {}, row.position});
+        if (!AllowsResourceOf(allowedResources, permission)) {
+            allowedResources.Refuse(RowPlace{"security_permission", {}, row.position}.Text());
         }
         return permission;
     }
@@ -188,28 +190,28 @@ private:
         statement.define_and_bind();
     }
 
-    // What it finds is here when this returns: fetching waits for no server.
+    // Receives all rows, so that fetching them does not wait for the server.
     void Execute(soci::statement& statement)
     {
         connection.Keep([&statement] { statement.execute(); });
     }
 
-    const AllowedTexts allowedResources{"SECM_ALLOWED_RESOURCES"};
-    const AllowedTexts allowedAttributes{"SECM_ALLOWED_ATTRIBUTES"};
+    const AllowedTexts allowedResources{allowedResourcesVariable};
+    const AllowedTexts allowedAttributes{allowedAttributesVariable};
 
-    // What the statements are bound to.
+    // The statements are bound to these.
     std::string userName;
     std::string groupName;
     long long section = 0;
-    PermissionRow row; // of the user, the name is the group's; of an attribute, the resource is its value
+    PermissionRow row; // in a user's row, `name` is the group's; in an attribute's row, `resource` is the value
 
-    secm::platform::DatabaseConnection connection;
+    DatabaseConnection connection;
     soci::statement userWithPermissions;
     soci::statement permissions;
 };
 
 SecurityDatabase::SecurityDatabase(std::string connectionText, unsigned timeout)
-    : text(std::move(connectionText)), timeoutSeconds(std::min(timeout, secm::platform::longestTimeoutSeconds))
+    : text(std::move(connectionText)), timeoutSeconds(std::min(timeout, longestTimeoutSeconds))
 {
 }
 
@@ -218,7 +220,7 @@ SecurityDatabase::~SecurityDatabase()
     LeaveToParent();
 }
 
-// A process that was forked shares its parent's connections, and would end them for both.
+// A forked process shares its parent's connections. Closing them would close them for both.
 void SecurityDatabase::LeaveToParent()
 {
     if (process != getpid()) {
@@ -249,7 +251,7 @@ auto SecurityDatabase::Ask(const char* name, Question question)
         return question(*connection);
     } catch (const std::runtime_error& error) {
         connection.reset();
-        throw std::runtime_error(std::string(step) + ": " + ReasonOf(error));
+        throw std::runtime_error(fmt::format("{}: {}", step, ReasonOf(error)));
     } catch (...) {
         connection.reset();
         throw;
@@ -279,8 +281,8 @@ std::unique_ptr<SecurityDatabase> SecurityDatabase::Open(const char* function, c
     const std::string text = connectionText != nullptr ? connectionText : "";
     std::string reason;
     try {
-        if (mode == nullptr || std::strcmp(mode, "nonsecure") != 0) {
-            throw std::runtime_error("the only mode offered is 'nonsecure'");
+        if (mode == nullptr || std::strcmp(mode, connectionMode) != 0) {
+            throw std::runtime_error(fmt::format("the only mode offered is '{}'", connectionMode));
         }
         std::unique_ptr<SecurityDatabase> database(new SecurityDatabase(text, timeoutSeconds));
         database->Ask("trying the statements", [](Connection& open) { open.TryStatements(); });
@@ -289,9 +291,11 @@ std::unique_ptr<SecurityDatabase> SecurityDatabase::Open(const char* function, c
         reason = error.what();
     }
     if (TmrGLog.StoreParams("platform/security_manager/sql/SecurityDatabase", function, __LINE__, failureLevel,
-                            moduleNumber, 1) != 0) {
-        TmrGLog.Log("The security database '%s' cannot be used: %s\n",
-                    secm::platform::ShownConnectionText(text).c_str(), reason.c_str());
+                            databaseLogModule, databaseLogNumber) != 0) {
+        TmrGLog.Log("The security database '%s' cannot be used: %s\n", ShownConnectionText(text).c_str(),
+                    reason.c_str());
     }
     return nullptr;
 }
+
+} // namespace secm::platform

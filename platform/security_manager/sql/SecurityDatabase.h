@@ -1,5 +1,5 @@
-// The security database: three tables, read through SOCI. Each question is one statement, the same for log-in and by
-// name and for SQLite and PostgreSQL, so all give the same answers.
+// The security database: three tables, read through SOCI. Each question is one statement. Log-in and requests by name
+// use the same statement on SQLite and on PostgreSQL, so all give the same answers.
 #pragma once
 
 #include "platform/security_manager/PermissionBase.h"
@@ -12,6 +12,8 @@
 #include <optional>
 #include <string>
 #include <vector>
+
+namespace secm::platform {
 
 /// A user with the permissions of the user and the user's group, by position, all of one snapshot. `Permissions` is
 /// GrantedPermissions or PermissionsInOrder.
@@ -59,6 +61,8 @@ private:
 
     std::string text;
     unsigned timeoutSeconds;
-    pid_t process = getpid(); // whose the connection is
+    pid_t process = getpid(); // the process that made the connection
     std::unique_ptr<Connection> connection;
 };
+
+} // namespace secm::platform

@@ -7,6 +7,8 @@
 #include <string>
 #include <utility>
 
+namespace secm::platform {
+
 struct SecurityUser {
     std::string groupName; ///< Empty: no group.
     std::map<std::string, std::string, std::less<>> attributes;
@@ -31,3 +33,5 @@ public:
 private:
     SecurityUser user;
 };
+
+} // namespace secm::platform

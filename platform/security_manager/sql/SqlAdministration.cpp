@@ -3,16 +3,21 @@
 
 #include "platform/KeptUntilUnload.h"
 #include "platform/security_manager/PermissionListInterface.h"
+#include "platform/security_manager/SECM_Constants.h"
 #include "platform/security_manager/sql/HandedOut.h"
 #include "platform/security_manager/sql/SecurityDatabase.h"
 
+#include <fmt/format.h>
+
+#include <memory>
 #include <optional>
 #include <stdexcept>
+#include <string>
 #include <utility>
+#include <vector>
 
+namespace secm::platform {
 namespace {
-
-constexpr unsigned servedVersion = 1;
 
 class SqlPermissionList final : public PermissionListInterface {
 public:
@@ -61,8 +66,8 @@ public:
     }
 
 private:
-    // The permissions that were read with the last user. Only the next question is answered from them; later ones read
-    // what is granted then.
+    // The permissions that were read with the last user. They answer only the next question; later questions read the
+    // database.
     struct ReadWithUser {
         std::string userName;
         std::string groupName;
@@ -78,30 +83,33 @@ private:
     SecurityDatabase& Connected(const char* operation)
     {
         if (database == nullptr) {
-            throw std::runtime_error(std::string("SMADM_Interface::") + operation + ": not initialized");
+            throw std::runtime_error(fmt::format("SMADM_Interface::{}: not initialized", operation));
         }
         return *database;
     }
 
     std::unique_ptr<SecurityDatabase> database;
-    std::optional<SqlUserDetails> details; // of the last user who was asked for
+    std::optional<SqlUserDetails> details; // of the last user
     std::optional<ReadWithUser> readWithUser;
 };
 
 HandedOut<SMADM_Interface>& Administrations()
 {
-    static auto& administrations = secm::platform::KeptUntilUnload<HandedOut<SMADM_Interface>>();
+    static auto& administrations = KeptUntilUnload<HandedOut<SMADM_Interface>>();
     return administrations;
 }
 
 } // namespace
+} // namespace secm::platform
 
 SMADM_Interface* getSECM_Interface(const char* /*applicationName*/, unsigned interfaceVersion)
 {
-    return interfaceVersion == servedVersion ? Administrations().Keep(std::make_unique<SqlAdministration>()) : nullptr;
+    using namespace secm::platform;
+    return interfaceVersion == administrationVersion ? Administrations().Keep(std::make_unique<SqlAdministration>())
+                                                     : nullptr;
 }
 
 void releaseSECM_Interface(SMADM_Interface* administration)
 {
-    Administrations().Release(administration);
+    secm::platform::Administrations().Release(administration);
 }

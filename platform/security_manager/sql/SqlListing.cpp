@@ -1,17 +1,18 @@
-// A security database as a whole, row by row.
+// Lists a security database row by row.
 #include "platform/security_manager/SECM_Listing.h"
 
+#include "platform/security_manager/sql/AllowedTexts.h"
 #include "platform/security_manager/sql/ConnectionText.h"
 #include "platform/security_manager/sql/DatabaseAccess.h"
 #include "platform/security_manager/sql/DatabaseConnection.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <stdexcept>
 #include <vector>
 
-using secm::platform::longestTimeoutSeconds;
-using secm::platform::ShownConnectionText;
-
+namespace secm::platform {
 namespace {
 
 constexpr std::size_t pageSize = 1000;
@@ -104,27 +105,28 @@ private:
         try {
             question();
         } catch (const std::runtime_error& error) {
-            throw std::runtime_error("the security database '" + ShownConnectionText(text) +
-                                     "' cannot be read: " + name + ": " + ReasonOf(error));
+            throw std::runtime_error(fmt::format("the security database '{}' cannot be read: {}: {}",
+                                                 ShownConnectionText(text), name, ReasonOf(error)));
         }
     }
 
     struct Statement {
         std::string select;
-        std::string behindLast;
+        std::string behindLast; // the condition on the rows behind the last row of a page
         std::string order;
     };
 
-    // Of a user's row, whose name may be what it lacks.
+    // The place of a row of a user, whose name may be NULL.
     static RowPlace PlaceOf(const char* table, const TextColumn& userName)
     {
         return userName.indicator == soci::i_null ? RowPlace{table} : RowPlace{table, userName.text};
     }
 
-    // By pages, each behind the last row of the one before: a statement that stayed open while a long list is worked
-    // on would keep others from writing, and some databases would send all of it at once. A page is whole before its
-    // rows are handled, for which there is no time limit. The row that stands behind a page begins the next one, or
-    // rows would be left out or come again without end: those whose key another row has too, or is no text.
+    // Reads pages; each begins behind the last row of the page before. A statement that stayed open for a long list
+    // would keep others from writing, and some databases would send the whole list at once. A page is read whole before
+    // its rows are handled; handling them has no time limit. A page also reads the first row of the next page, which
+    // must be found there again. Otherwise rows would be left out or repeated without end: rows with a key that another
+    // row has too, or with a key that is no text.
     template <class Row, class BindRow, class BindLast, class TakeRow, class HasSameKey>
     void ReadPages(const char* name, const Statement& statement, const std::function<void(const Row&)>& handle,
                    BindRow bindRow, BindLast bindLast, TakeRow takeRow, HasSameKey hasSameKey)
@@ -151,8 +153,10 @@ private:
                 });
                 connection.RequireWhole();
                 if (!before.empty() && (rows.empty() || !hasSameKey(rows.front(), before.back()))) {
-                    throw std::runtime_error("rows changed meanwhile, or two of them have the same " + statement.order +
-                                             ", or one that is no text or number; try again, then mend the table");
+                    throw std::runtime_error(
+                        fmt::format("rows changed meanwhile, or two of them have the same {}, or "
+                                    "one that is no text or number; try again, then mend the table",
+                                    statement.order));
                 }
             });
             std::for_each(rows.begin(), rows.begin() + static_cast<std::ptrdiff_t>(std::min(rows.size(), pageSize)),
@@ -161,10 +165,13 @@ private:
     }
 
     std::string text;
-    secm::platform::DatabaseConnection connection;
+    DatabaseConnection connection;
 };
 
 } // namespace
+} // namespace secm::platform
+
+using namespace secm::platform;
 
 std::unique_ptr<SECM_ListingInterface> openSECM_Listing(const char* connectionText, unsigned timeoutSeconds)
 {
@@ -172,7 +179,22 @@ std::unique_ptr<SECM_ListingInterface> openSECM_Listing(const char* connectionTe
     try {
         return std::make_unique<SqlListing>(text, std::min(timeoutSeconds, longestTimeoutSeconds));
     } catch (const std::runtime_error& error) {
-        throw std::runtime_error("the security database '" + ShownConnectionText(text) +
-                                 "' cannot be used: " + ReasonOf(error));
+        throw std::runtime_error(
+            fmt::format("the security database '{}' cannot be used: {}", ShownConnectionText(text), ReasonOf(error)));
+    }
+}
+
+void requireSECM_AllowedGrant(const PermissionBase& permission)
+{
+    if (const AllowedTexts allowed(allowedResourcesVariable); !AllowsResourceOf(allowed, permission)) {
+        allowed.Refuse(
+            fmt::format("the permission '{}' for the resource '{}'", permission.name(), permission.resource()));
+    }
+}
+
+void requireSECM_AllowedAttribute(const std::string& name, const std::string& value)
+{
+    if (const AllowedTexts allowed(allowedAttributesVariable); !allowed.Allows(value)) {
+        allowed.Refuse(fmt::format("the attribute '{}' with the value '{}'", name, value));
     }
 }

@@ -1,21 +1,24 @@
-// The security manager on the security database. Everything a request needs is read at log-in; the questions
-// that follow are answered from memory.
+// The security manager on the security database. A log-in reads everything that a request needs; the questions that
+// follow are answered from memory.
 #include "platform/security_manager/SecurityManagerInterface.h"
 
 #include "platform/KeptUntilUnload.h"
+#include "platform/security_manager/PermissionBase.h"
 #include "platform/security_manager/SECM_CallBackInterface.h"
+#include "platform/security_manager/SECM_Constants.h"
 #include "platform/security_manager/sql/GrantedPermissions.h"
 #include "platform/security_manager/sql/HandedOut.h"
 #include "platform/security_manager/sql/SecurityDatabase.h"
 
+#include <memory>
 #include <optional>
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
+namespace secm::platform {
 namespace {
-
-constexpr unsigned servedVersion = 0x11010A17;
-constexpr const char* noGroupMarker = "$$$NO_GROUP$$$";
-constexpr const char* defaultResource = "default";
 
 class SqlSecurityManager final : public SecurityManagerInterface {
 public:
@@ -42,7 +45,7 @@ public:
         }
         applicationName.clear();
         callback->GetApplicationName(applicationName);
-        // Asked for as by any security manager; this one grants the same from every address.
+        // Every security manager asks for these. This one grants the same from every address.
         std::string unused;
         bool unusedFlag = false;
         callback->GetAuxiliaryText(unused, unusedFlag);
@@ -106,12 +109,12 @@ private:
         permissions = {};
     }
 
-    // A user logs in with their own group, or without naming one.
+    // Whether the group that the callback names is the user's, or it names none.
     static bool IsOwnGroup(SECM_CallBackInterface* callback, bool (SECM_CallBackInterface::*getGroup)(std::string&),
                            const SecurityUser& user)
     {
         std::string group;
-        return !(callback->*getGroup)(group) || group == noGroupMarker || group == user.groupName;
+        return !(callback->*getGroup)(group) || group == noGroup || group == user.groupName;
     }
 
     std::unique_ptr<SecurityDatabase> database;
@@ -122,18 +125,21 @@ private:
 
 HandedOut<SecurityManagerInterface>& Managers()
 {
-    static auto& managers = secm::platform::KeptUntilUnload<HandedOut<SecurityManagerInterface>>();
+    static auto& managers = KeptUntilUnload<HandedOut<SecurityManagerInterface>>();
     return managers;
 }
 
 } // namespace
+} // namespace secm::platform
 
 SecurityManagerInterface* getSecurityManagerInterface(const char* /*applicationName*/, unsigned interfaceVersion)
 {
-    return interfaceVersion == servedVersion ? Managers().Keep(std::make_unique<SqlSecurityManager>()) : nullptr;
+    using namespace secm::platform;
+    return interfaceVersion == securityManagerVersion ? Managers().Keep(std::make_unique<SqlSecurityManager>())
+                                                      : nullptr;
 }
 
 void releaseSecurityManagerInterface(SecurityManagerInterface* securityManager)
 {
-    Managers().Release(securityManager);
+    secm::platform::Managers().Release(securityManager);
 }

@@ -2,6 +2,7 @@
 
 #include "platform/security_manager/sql/SecurityColumns.h"
 
+#include <fmt/format.h>
 #include <soci/soci.h>
 #include <soci/sqlite3/soci-sqlite3.h>
 
@@ -219,10 +220,10 @@ struct stat SqliteFile::Status() const
 {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) {
-        throw std::runtime_error("unable to open database file: " + path + ": " + std::strerror(errno));
+        throw std::runtime_error(fmt::format("unable to open database file: {}: {}", path, std::strerror(errno)));
     }
     if (!S_ISREG(status.st_mode)) {
-        throw std::runtime_error("unable to open database file: " + path + " is no regular file");
+        throw std::runtime_error(fmt::format("unable to open database file: {} is no regular file", path));
     }
     return status;
 }
@@ -262,9 +263,9 @@ void SqliteFile::RequireWholeUnderLock()
     const char* log = sqlite3_filename_wal(sqlite3_db_filename(handle, "main"));
     struct stat status {};
     if (!header.HasWriteAheadLog() && stat(log, &status) == 0 && status.st_size != 0) {
-        throw std::runtime_error("the write-ahead log beside the file belongs to another file, which had this name "
-                                 "before; remove " +
-                                 std::string(log) + " and the -shm beside it");
+        throw std::runtime_error(fmt::format("the write-ahead log beside the file belongs to another file, which had "
+                                             "this name before; remove {} and the -shm beside it",
+                                             log));
     }
     RequireTextKeys();
     checkedVersion = DataVersionOf(handle);
@@ -293,8 +294,8 @@ void SqliteFile::CheckIntegrity()
     const Statement check = FirstRowOf(handle, "PRAGMA quick_check(1)", result);
     const auto* said = reinterpret_cast<const char*>(sqlite3_column_text(check.get(), 0));
     if (result != SQLITE_ROW || said == nullptr || std::strcmp(said, "ok") != 0) {
-        throw std::runtime_error("the file is damaged: " + std::string(said != nullptr ? said : "no result") +
-                                 "; restore it from a backup");
+        throw std::runtime_error(
+            fmt::format("the file is damaged: {}; restore it from a backup", said != nullptr ? said : "no result"));
     }
     for (const SecurityColumn& column : textColumns) {
         if (HasRow(handle, std::string("SELECT 1 FROM ") + column.table + " WHERE typeof(" + column.name +

@@ -2,6 +2,7 @@
 
 #include "platform/security_manager/sql/DatabaseAccess.h"
 
+#include <fmt/format.h>
 #include <soci/postgresql/soci-postgresql.h>
 
 #include <fcntl.h>
@@ -14,12 +15,13 @@
 #include <string>
 #include <system_error>
 
+namespace secm::platform {
 namespace {
 
 constexpr int noDescriptor = -1;
 
-// A descriptor of our own for the session's socket: the client library may close its own at any time, and the number
-// could soon be that of another file of the host.
+// Duplicates the descriptor of the session's socket: the client library may close its own at any time, and the host
+// could then open another file under that number.
 int DescriptorOf(soci::session& session)
 {
     const soci::postgresql_session_backend* postgreSql = PostgreSqlOf(session);
@@ -33,8 +35,9 @@ int DescriptorOf(soci::session& session)
     return descriptor;
 }
 
-// Blocks all signals of this thread while it lives. A thread started meanwhile inherits that, so it takes none of the
-// host's signals: a host that blocks a signal and waits for it would be ended if another thread did not block it.
+// Blocks all signals of this thread while it lives. A thread that is started meanwhile inherits that, so it receives
+// none of the host's signals. A host may block a signal and wait for it; a thread that does not block the signal would
+// then end the process.
 class AllSignalsBlocked {
 public:
     AllSignalsBlocked()
@@ -80,7 +83,7 @@ TimeLimit::~TimeLimit()
     }
     if (descriptor != noDescriptor) {
         PGconn*& connection = PostgreSqlOf(session)->conn_;
-        PQfinish(connection); // says goodbye, and waits for nothing
+        PQfinish(connection); // sends a last message and does not wait for the server
         connection = nullptr;
         close(descriptor);
     }
@@ -99,14 +102,13 @@ void TimeLimit::Keep(const std::function<void()>& statements)
     } catch (...) {
         SetDeadline(std::nullopt);
         if (hasCut) {
-            throw std::runtime_error("no answer within " + std::to_string(limit.count()) +
-                                     " s; the connection was cut");
+            throw std::runtime_error(fmt::format("no answer within {} s; the connection was cut", limit.count()));
         }
         throw;
     }
 }
 
-// Wakes the thread only when it has no deadline to sleep for, which is seldom while requests come in.
+// Wakes the thread only when it waits without a deadline, which is rare while requests come in.
 void TimeLimit::SetDeadline(std::optional<Clock::time_point> newDeadline)
 {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -129,7 +131,9 @@ void TimeLimit::Watch()
         } else {
             hasCut = true;
             deadline.reset();
-            shutdown(descriptor, SHUT_RDWR); // whoever waits for an answer now reads the end of it
+            shutdown(descriptor, SHUT_RDWR); // a thread that waits for an answer then reads the end of the stream
         }
     }
 }
+
+} // namespace secm::platform

@@ -1,5 +1,5 @@
-// Keeps a time limit where the server cannot: one that has stopped ends no statement, and its machine goes on
-// acknowledging what arrives.
+// A time limit on the side of the client: a server that hangs ends no statement, while its machine goes on
+// acknowledging packets.
 #pragma once
 
 #include <chrono>
@@ -13,9 +13,11 @@ namespace soci {
 class session;
 }
 
-/// Watches one session, and must go before it. On PostgreSQL with a limit it has a thread, which sleeps as long as all
-/// is well and takes no signals; otherwise it only ends the connection. One thread at a time may use it; it does not
-/// survive a fork.
+namespace secm::platform {
+
+/// Watches one session, and must be destroyed before it. On PostgreSQL with a limit it has a thread, which sleeps while
+/// statements end in time and blocks all signals; otherwise it only closes the connection. One thread at a time may use
+/// it. It cannot be used after a fork.
 class TimeLimit {
 public:
     /// `seconds` for each call of Keep; 0: no limit. Throws std::system_error when there is no thread or descriptor.
@@ -23,12 +25,12 @@ public:
     TimeLimit(const TimeLimit&) = delete;
     TimeLimit& operator=(const TimeLimit&) = delete;
 
-    /// Ends the connection: statements that go after it no longer take leave of a server that may have stopped.
+    /// Closes the connection. Statements that are destroyed later then send no message to a server that may hang.
     ~TimeLimit();
 
-    /// Runs `statements` of the session. One second after the limit, before which a server that works has ended them
-    /// itself, the connection is cut and is of no more use. Throws what `statements` throws, or std::runtime_error when
-    /// that was because the time was over.
+    /// Runs `statements` of the session. A server that works ends them itself at the limit. One second later the
+    /// connection is cut and cannot be used again. Throws what `statements` throws, or std::runtime_error when that was
+    /// because the connection was cut.
     void Keep(const std::function<void()>& statements);
 
 private:
@@ -43,8 +45,10 @@ private:
     std::mutex mutex;
     std::condition_variable changed;
     std::optional<Clock::time_point> deadline; // while statements run
-    bool isAsleep = false;                     // until there is a deadline
+    bool isAsleep = false;                     // waiting for a deadline
     bool isEnding = false;
     bool hasCut = false;
     std::thread thread;
 };
+
+} // namespace secm::platform
