@@ -13,6 +13,7 @@
 #include <mutex>
 #include <new>
 
+namespace secm::platform {
 namespace {
 
 enum class State { inUse, exiting, unloading };
@@ -62,12 +63,12 @@ void AtExit()
 
 } // namespace
 
-bool secm::platform::IsExiting()
+bool IsExiting()
 {
     return state == State::exiting;
 }
 
-void secm::platform::DestroyWhenUnloaded(void* object, void (*destroy)(void*))
+void DestroyWhenUnloaded(void* object, void (*destroy)(void*))
 {
     [[maybe_unused]] static const bool isRegistered = [] {
         if (std::atexit(AtExit) != 0) {
@@ -80,3 +81,5 @@ void secm::platform::DestroyWhenUnloaded(void* object, void (*destroy)(void*))
     kept->earlier = last;
     last = kept.release();
 }
+
+} // namespace secm::platform

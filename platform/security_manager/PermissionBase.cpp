@@ -5,6 +5,7 @@
 #include <optional>
 #include <system_error>
 
+namespace secm::platform {
 namespace {
 
 // A field of the serialized form is its length in decimal, a colon and its bytes. The bytes hold no NUL, because no
@@ -30,6 +31,10 @@ std::optional<std::string_view> TakeField(std::string_view& bytes)
 }
 
 } // namespace
+} // namespace secm::platform
+
+using secm::platform::AppendField;
+using secm::platform::TakeField;
 
 serializeable::~serializeable() = default;
 

@@ -15,7 +15,7 @@ protected:
         CFG_Factory::Reload();
     }
 
-    /// What the root answers, as text.
+    /// The answer of the root as text.
     static std::string Ask(const std::string& operation, const std::string& argument)
     {
         const CFG_RepositoryServices* root = CFG_Factory::GetRepositoryServices();
@@ -138,7 +138,7 @@ TEST_P(BadConfigurationTest, IsRefusedWithItsPlace)
     }
     try {
         Load("f");
-        ADD_FAILURE() << "was taken";
+        ADD_FAILURE() << "was not refused";
     } catch (const CFG_Error& error) {
         const Lines expected = Split(GetParam().at(3), "{f}");
         EXPECT_THAT(error.what(), testing::StartsWith(Path("f") + expected.front()));
