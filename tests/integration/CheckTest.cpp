@@ -12,7 +12,6 @@ using testing::HasSubstr;
 
 namespace {
 
-const std::string acfilter = ACFILTER;
 const std::string documents = SAMPLE_FOLDER "/../../docs/checks.md";
 
 struct Example {
@@ -118,8 +117,10 @@ protected:
         Write(name + ".toml", Expanded((shows("\n[repositories") ? "" : Default("toml", "[repositories")) +
                                        example.toml + (shows("\n[fields") ? "" : Default("toml", "[fields"))));
         MakeSecurity(name + ".db", example.sql.empty() ? Default("sql", "INSERT INTO security_perm") : example.sql);
-        const std::string command = acfilter + " check --strict -c " + name + ".toml";
-        return Run(command + (example.sql.empty() ? "" : " -s sqlite3://db=" + name + ".db"));
+        const std::string command = "acfilter check --strict -c " + name + ".toml";
+        const Outcome outcome = Run(command + (example.sql.empty() ? "" : " -s sqlite3://db=" + name + ".db"));
+        EXPECT_EQ(outcome.errors, "");
+        return outcome;
     }
 
     void ExpectFilters(const Example& example, const std::string& name) const
@@ -127,8 +128,8 @@ protected:
         for (const std::string& line : Split(example.filters.substr(1, example.filters.size() - 2), "\n")) {
             const Lines columns = Split(line, ": ");
             const std::string options = " -c " + name + ".toml -s sqlite3://db=" + name + ".db -r documents ";
-            const Outcome outcome = Run(acfilter + " filter --log-level 0" + options + columns.at(0));
-            EXPECT_EQ(outcome.output, (columns.at(1) == "(empty)" ? "" : columns.at(1)) + "\n") << line;
+            ExpectPrints("acfilter filter --log-level 0" + options + columns.at(0),
+                         (columns.at(1) == "(empty)" ? "" : columns.at(1)) + "\n");
         }
     }
 };
@@ -140,7 +141,7 @@ TEST_P(DocumentedCheckTest, FindsTheWrongAndPassesTheRight)
     ASSERT_EQ(examples.size(), 2U);
 
     const Outcome wrong = Check(examples[0], "wrong");
-    EXPECT_EQ(wrong.status, 3) << wrong.errors;
+    EXPECT_EQ(wrong.status, 3);
     EXPECT_THAT(wrong.output, HasSubstr(": " + section.severity + " " + section.code + ": "));
     for (const std::string& line : Split(wrong.output, "\n")) {
         if (const Lines parts = Split(line, ": "); line.starts_with("wrong.toml:")) {
@@ -150,7 +151,7 @@ TEST_P(DocumentedCheckTest, FindsTheWrongAndPassesTheRight)
     ExpectFilters(examples[0], "wrong");
 
     const Outcome right = Check(examples[1], "right");
-    EXPECT_EQ(right.status, 0) << right.errors;
+    EXPECT_EQ(right.status, 0);
     EXPECT_EQ(right.output, "no findings\n");
     ExpectFilters(examples[1], "right");
 }
@@ -171,9 +172,7 @@ TEST_F(CheckTest, EveryCheckIsDocumentedInItsOrder)
     for (auto section = sections.begin() + 1; section != sections.end(); ++section) {
         codes += section->code + "\n";
     }
-    EXPECT_EQ(
-        Run("grep -oh 'AC0[0-9][0-9]\",' " SAMPLE_FOLDER "/../../analysis/check/*.cpp | cut -c -5 | sort -u").output,
-        codes);
+    ExpectPrints("grep -oh 'AC0[0-9][0-9]\",' $SAMPLE/../../analysis/check/*.cpp | cut -c -5 | sort -u", codes);
 }
 
 // Whatever is written: where nothing is found, nobody sees more than is granted, and no placeholder is left.
@@ -209,7 +208,7 @@ TEST_F(CheckTest, WhatPassesKeepsItsWord)
     }
     Write("a.toml", Expanded(toml));
     const std::string options = " -c a.toml -s sqlite3://db=s.db ";
-    const std::string findings = Run(acfilter + " check --format json" + options).output;
+    const std::string findings = Run("acfilter check --format json" + options).output;
     int passed = 0;
     for (int number = 0; number < count; ++number) {
         const std::string name = "r" + std::to_string(number);
@@ -217,7 +216,8 @@ TEST_F(CheckTest, WhatPassesKeepsItsWord)
             continue;
         }
         ++passed;
-        const Outcome outcome = Run(acfilter + " filter -r " + name + options + "ann bob cyd dan eve fay nobody");
+        const Outcome outcome = Run("acfilter filter -r " + name + options + "ann bob cyd dan eve fay nobody");
+        EXPECT_EQ(outcome.errors, "");
         EXPECT_THAT(outcome.output, Not(testing::ContainsRegex("[%$]"))) << name;
         const Lines filters = Split(outcome.output, "\n");
         ASSERT_EQ(filters.size(), 8U);

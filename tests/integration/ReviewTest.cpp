@@ -16,8 +16,6 @@ using nlohmann::json;
 
 namespace {
 
-const std::string acfilter = ACFILTER;
-
 // Byte for byte, which line ends in a text would not be on their way through the program that reads it.
 std::string Sql(const std::string& text)
 {
@@ -39,8 +37,9 @@ protected:
 
     std::vector<json> Objects(const std::string& command, std::set<int> statuses = {0}) const
     {
-        const Outcome outcome = Run(acfilter + " " + command + " --format json");
-        EXPECT_EQ(statuses.count(outcome.status), 1U) << command << "\n" << outcome.errors;
+        const Outcome outcome = Run("acfilter " + command + " --format json");
+        EXPECT_EQ(outcome.errors, "") << command;
+        EXPECT_EQ(statuses.count(outcome.status), 1U) << command;
         std::vector<json> objects;
         std::istringstream lines(outcome.output);
         for (std::string line; std::getline(lines, line);) {
@@ -195,10 +194,9 @@ protected:
 
     std::string Report(const std::string& format) const
     {
-        const Outcome outcome =
-            Run(acfilter + " report -c archive.toml -s sqlite3://db=security.db -r documents --values" + " --format " +
-                format);
-        EXPECT_EQ(outcome.status, 0) << outcome.errors;
+        const Outcome outcome = Run("acfilter report $sample --values --format " + format);
+        EXPECT_EQ(outcome.errors, "");
+        EXPECT_EQ(outcome.status, 0);
         return outcome.output;
     }
 
@@ -292,7 +290,7 @@ TEST_F(HostileReportTest, TheTableHoldsNothingThatATerminalObeys)
 
 TEST_F(HostileReportTest, JsonIsReadAsItWasMeant)
 {
-    const std::vector<json> rows = Objects("report -c archive.toml -s sqlite3://db=security.db -r documents --values");
+    const std::vector<json> rows = Objects("report $sample --values");
     ASSERT_EQ(rows.size(), users.size());
     std::size_t index = 0;
     for (const auto& [name, user] : users) {

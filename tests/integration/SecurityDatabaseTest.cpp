@@ -127,7 +127,7 @@ TEST_P(SecurityDatabaseTest, ARequestSeesEachTransactionWhollyOrNotAtAll)
 
     Outcome written;
     std::thread writer([&] {
-        written = Run(databaseCommands + "(echo '" + (isPostgreSql ? "" : ".timeout 10000\nPRAGMA synchronous = OFF;") +
+        written = Run(std::string("(echo '") + (isPostgreSql ? "" : ".timeout 10000\nPRAGMA synchronous = OFF;") +
                       "'; while [ ! -e stop ]; do cat moves.sql; done) | " +
                       (isPostgreSql ? "sql security" : "sqlite3 -bail security.db"));
     });

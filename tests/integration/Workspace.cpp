@@ -4,15 +4,25 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 
 WorkspaceTest::WorkspaceTest()
 {
-    // What an administrator has set is none of the tests' business.
+    // Neither what the caller's environment sets nor what an earlier test of this process set.
     for (const char* variable :
-         {"CFG_REPOSITORY", "CFG_REQUIRE_END", "SECM_CONNECTION", "TMR_LOG_LEVEL", "TMR_LOG_FILE"}) {
+         {"CFG_REPOSITORY", "CFG_REQUIRE_END", "NO_COLOR", "SECM_ALLOWED_ATTRIBUTES", "SECM_ALLOWED_RESOURCES",
+          "SECM_CONNECTION", "SECM_QUICK_CHECK", "TMR_LOG_FILE", "TMR_LOG_LEVEL"}) {
         unsetenv(variable);
+    }
+    for (const auto& [variable, value] : std::map<const char*, const char*>{{"PROGRAMS", PROGRAM_FOLDER},
+                                                                            {"LIBRARIES", LIBRARY_FOLDER},
+                                                                            {"SAMPLE", SAMPLE_FOLDER},
+                                                                            {"CASES", CASES_FOLDER},
+                                                                            {"POSTGRESQL", POSTGRESQL},
+                                                                            {"POSTGRESQL_SERVER", POSTGRESQL_SERVER}}) {
+        setenv(variable, value, 1);
     }
     std::string name = (std::filesystem::temp_directory_path() / "access-control-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) {
@@ -50,36 +60,43 @@ std::string WorkspaceTest::Read(const std::filesystem::path& path)
 
 Outcome WorkspaceTest::Run(const std::string& command) const
 {
-    const std::string inFolder = "cd '" + folder.string() + "' && ( " + command + " ) >.output 2>.errors";
+    const std::string inFolder =
+        "cd '" + folder.string() + "' && . '" PRELUDE "' && (\n" + command + "\n) >.output 2>.errors";
     const int status = std::system(inFolder.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Read(folder / ".output"), Read(folder / ".errors")};
 }
 
-void WorkspaceTest::MakeDatabase(const std::string& name, const std::string& statements) const
+void WorkspaceTest::ExpectPrints(const std::string& command, const std::string& output) const
 {
-    Write(name + ".sql", "PRAGMA synchronous = OFF;\nBEGIN;\n" + statements + "\nCOMMIT;\n");
-    const Outcome made = Run("sqlite3 -bail '" + name + "' < '" + name + ".sql'");
-    ASSERT_EQ(made.status, 0) << made.errors;
+    const Outcome outcome = Run(command);
+    EXPECT_EQ(outcome.output, output) << command;
+    EXPECT_EQ(outcome.errors, "") << command;
+    EXPECT_EQ(outcome.status, 0) << command;
 }
 
-const std::string WorkspaceTest::databaseCommands =
-    "server() { command=$1 name=${PWD##*/}-$2; shift 2; " POSTGRESQL " $command " POSTGRESQL_SERVER " $name \"$@\"; }; "
-    "PostgreSql() { server database \"$@\"; }; sql() { server sql \"$@\"; }; "
-    "Sqlite() { name=$1; shift; cat \"$@\" | sqlite3 -bail $name.db && echo sqlite3://db=$PWD/$name.db; }; ";
+void WorkspaceTest::MakeDatabase(const std::string& name, const std::string& statements) const
+{
+    Write(".sql", "PRAGMA synchronous = OFF;\nBEGIN;\n" + statements + "\nCOMMIT;\n");
+    const Outcome made = Run("sqlite3 -bail '" + name + "' <.sql");
+    std::filesystem::remove(Path(".sql"));
+    ASSERT_EQ(made.status, 0) << made.errors;
+    ASSERT_EQ(made.errors, "");
+}
 
 void EngineTest::SetUp()
 {
     WorkspaceTest::SetUp();
-    connection = Run(databaseCommands + GetParam() +
-                     " security " SAMPLE_FOLDER "/security.sql " CASES_FOLDER "/logins.sql | tr -d '\\n'")
-                     .output;
+    const Outcome made = Run(std::string(GetParam()) + " security $SAMPLE/security.sql $CASES/logins.sql");
+    ASSERT_EQ(made.errors, "");
+    connection = made.output.substr(0, made.output.find('\n'));
 }
 
 std::string EngineTest::Sql(const std::string& statement) const
 {
     Write("statement.sql", statement);
     const std::string program = isPostgreSql ? "sql security" : "sqlite3 -bail security.db";
-    const Outcome outcome = Run(databaseCommands + program + " <statement.sql");
-    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    const Outcome outcome = Run(program + " <statement.sql");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.errors, "");
     return outcome.output;
 }

@@ -26,15 +26,14 @@ protected:
     static std::string Read(const std::filesystem::path& path);
     static std::string SampleText(const std::string& name) { return Read(SAMPLE_FOLDER "/" + name); }
 
-    /// Runs a shell command in the folder.
+    /// Runs a shell script in the folder, after prelude.sh. The status is -1 when a signal ends the shell.
     Outcome Run(const std::string& command) const;
 
-    /// Makes an SQLite database of these statements.
-    void MakeDatabase(const std::string& name, const std::string& statements) const;
+    /// Expects that a command succeeds, prints this text and nothing on standard error.
+    void ExpectPrints(const std::string& command, const std::string& output) const;
 
-    /// For shell commands: `Sqlite NAME FILE...` and `PostgreSql NAME FILE...` make a database of SQL files and print
-    /// its connection text; `sql NAME STATEMENT` runs SQL in the latter.
-    static const std::string databaseCommands;
+    /// Makes an SQLite database, and nothing else, of these statements.
+    void MakeDatabase(const std::string& name, const std::string& statements) const;
 
     std::filesystem::path folder;
 };
