@@ -3,6 +3,8 @@
 #include <fstream>
 #include <stdexcept>
 
+namespace secm::testing {
+
 Lines CaseLines(const std::string& file)
 {
     std::ifstream input(CASES_FOLDER "/" + file);
@@ -56,3 +58,5 @@ Lines Split(const std::string& text, const std::string& separator)
     parts.push_back(text.substr(start));
     return parts;
 }
+
+} // namespace secm::testing

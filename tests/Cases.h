@@ -1,5 +1,5 @@
-// Cases are kept as text, one row each: columns between " | ", of which the first names the case. Lines that
-// begin with "#" and empty ones are passed over; \n, \t, \0, \\ and \xNN stand for bytes.
+// Tables of cases in text files. A row is a line: columns between " | ", of which the first names the case. Empty lines
+// and lines that begin with "#" are skipped; \n, \t, \0, \\ and \xNN stand for bytes.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -7,6 +7,8 @@
 
 #include <string>
 #include <vector>
+
+namespace secm::testing {
 
 using Lines = std::vector<std::string>;
 
@@ -18,7 +20,9 @@ std::string Unescaped(const std::string& text);
 Lines Split(const std::string& text, const std::string& separator);
 
 /// For INSTANTIATE_TEST_SUITE_P: names a row by its first column.
-inline std::string CaseName(const testing::TestParamInfo<Lines>& row)
+inline std::string CaseName(const ::testing::TestParamInfo<Lines>& row)
 {
     return row.param.front();
 }
+
+} // namespace secm::testing

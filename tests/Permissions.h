@@ -3,10 +3,14 @@
 #include "platform/security_manager/PermissionBase.h"
 #include "tests/Cases.h"
 
-/// NAME:VALUE:RESOURCE[:conditional], where the resource "null" is none.
+namespace secm::testing {
+
+/// From NAME:VALUE:RESOURCE[:conditional], where the resource "null" is none.
 inline PermissionBase PermissionFrom(const std::string& text)
 {
     const Lines parts = Split(text, ":");
     return {parts.at(0).c_str(), static_cast<unsigned>(std::stoul(parts.at(1))),
             parts.at(2) == "null" ? nullptr : parts.at(2).c_str(), parts.size() > 3};
 }
+
+} // namespace secm::testing

@@ -18,6 +18,8 @@ using secm::analysis::Tracer;
 
 namespace {
 
+using namespace secm::testing;
+
 class AnalysisTest : public WorkspaceTest {
 protected:
     AnalysisTest()

@@ -1,5 +1,5 @@
-// docs/checks.md keeps its word: each wrong example has the finding that it is there for, each right one has none, and
-// the filters below them are those that users get.
+// The examples in docs/checks.md: each wrong one has the finding of its section, each right one has none, and users get
+// the filters that the page shows.
 #include "tests/Cases.h"
 #include "tests/integration/CommandBlocks.h"
 #include "tests/integration/Workspace.h"
@@ -18,6 +18,8 @@ using testing::HasSubstr;
 
 namespace {
 
+using namespace secm::testing;
+
 const std::string documents = SAMPLE_FOLDER "/../../docs/checks.md";
 
 struct Example {
@@ -30,10 +32,10 @@ struct Section {
     std::string code;
     std::string severity;
     std::string text;
-    std::vector<std::pair<std::string, std::string>> blocks; // language and content; none: it cannot be shown
+    std::vector<std::pair<std::string, std::string>> blocks; // language and content; empty: no example can show it
 };
 
-// For the names of the tests.
+// Names the section in failures.
 void PrintTo(const Section& section, std::ostream* output)
 {
     *output << section.code;
@@ -62,7 +64,7 @@ std::vector<Section> ReadSections()
 
 const std::vector<Section> sections = ReadSections();
 
-// What the page shows before the first code: what an example does not show.
+// A block before the first code. It stands for what an example leaves out.
 std::string Default(const std::string& language, const std::string& beginning)
 {
     for (const auto& block : sections.front().blocks) {
@@ -73,7 +75,8 @@ std::string Default(const std::string& language, const std::string& beginning)
     throw std::runtime_error("no default that begins with " + beginning);
 }
 
-// The wrong one, and the right one; an example ends with its filters, and shows what differs from the one before.
+// The wrong one, then the right one. Each ends with its filters; the second leaves out what it has in common with the
+// first.
 std::vector<Example> ExamplesOf(const Section& section)
 {
     std::vector<Example> examples;
@@ -190,8 +193,8 @@ Lines DocumentedCodes()
     return codes;
 }
 
-// DocumentedCheckTest brings about the codes that have examples, tests/cases/commands the others.
-TEST_F(CheckTest, EveryCodeIsDocumentedOnceInOrderAndBroughtAbout)
+// DocumentedCheckTest covers the codes that have examples, tests/cases/commands the others.
+TEST_F(CheckTest, EveryCodeIsDocumentedOnceInOrderAndTested)
 {
     std::string printed;
     for (const CommandBlock& block : ReadCommandBlocks()) {
@@ -206,8 +209,8 @@ TEST_F(CheckTest, EveryCodeIsDocumentedOnceInOrderAndBroughtAbout)
     }
 }
 
-// Whatever is written: where nothing is found, nobody sees more than is granted, and no placeholder is left.
-TEST_F(CheckTest, WhatPassesKeepsItsWord)
+// Random rules: where nothing is found, nobody sees more than is granted, and no placeholder is left.
+TEST_F(CheckTest, RulesWithoutFindingsShowNobodyMore)
 {
     MakeSecurity("s.db", Default("sql", "INSERT INTO security_perm") +
                              "INSERT INTO security_permission SELECT position + 10, grantee_type, grantee, "

@@ -9,6 +9,8 @@
 #include <sstream>
 #include <stdexcept>
 
+namespace secm::testing {
+
 namespace {
 
 void ReplaceAll(std::string& text, const std::string& from, const std::string& to)
@@ -135,3 +137,5 @@ std::string Visible(const std::string& text, const std::string& scratchFolder)
     }
     return visible.str();
 }
+
+} // namespace secm::testing

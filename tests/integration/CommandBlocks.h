@@ -18,6 +18,8 @@
 #include <string>
 #include <vector>
 
+namespace secm::testing {
+
 struct CommandBlock {
     std::string name;
     std::string place; // FILE:LINE
@@ -49,3 +51,5 @@ std::vector<CommandBlock> ReadCommandBlocks();
 /// <EMPTY>      the last line, when it is empty
 /// <END>        the end of the text, when the last line has no line end
 std::string Visible(const std::string& text, const std::string& scratchFolder);
+
+} // namespace secm::testing

@@ -12,6 +12,8 @@
 
 namespace {
 
+using namespace secm::testing;
+
 class CommandTest : public WorkspaceTest, public testing::WithParamInterface<CommandBlock> {
 protected:
     void WriteInputs() const

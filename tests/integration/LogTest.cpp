@@ -19,6 +19,8 @@
 
 namespace {
 
+using namespace secm::testing;
+
 using LogTest = WorkspaceTest;
 
 TEST_F(LogTest, WritesMessagesOfAnyLengthWholeFromManyThreadsWhileItIsRotated)

@@ -18,6 +18,8 @@
 
 namespace {
 
+using namespace secm::testing;
+
 class ReloadTest : public WorkspaceTest {
 protected:
     ReloadTest()

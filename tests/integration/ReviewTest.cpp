@@ -1,5 +1,4 @@
-// Reports and comparisons against what they talk of: the rows that filters really let through, and names as they were
-// written.
+// Compares differences with the rows that filters let through, and reports with the names in the database.
 #include "tests/integration/Workspace.h"
 
 #include <nlohmann/json.hpp>
@@ -16,7 +15,9 @@ using nlohmann::json;
 
 namespace {
 
-// Byte for byte, which line ends in a text would not be on their way through the program that reads it.
+using namespace secm::testing;
+
+// As bytes, because the sqlite3 program changes line ends.
 std::string Sql(const std::string& text)
 {
     std::ostringstream literal;
@@ -62,7 +63,7 @@ protected:
         Write("users.txt", SampleText("users.txt"));
     }
 
-    // What somebody may have made of the sample's permissions and attributes.
+    // Random changes of the sample's permissions, attributes and users.
     std::string SomeChanges()
     {
         const std::map<std::string, std::vector<std::string>> resources = {
@@ -92,7 +93,7 @@ protected:
     // How many rows of the archive each user loses and gains.
     std::map<std::string, std::pair<int, int>> Rows(const std::vector<json>& before, const std::vector<json>& after)
     {
-        std::string questions;
+        std::string statements;
         for (std::size_t n = 0; n < before.size(); ++n) {
             const auto condition = [&](const json& answer) {
                 const std::string filter = answer["filter"];
@@ -100,22 +101,22 @@ protected:
             };
             const std::string was = condition(before[n]);
             const std::string is = condition(after[n]);
-            questions +=
+            statements +=
                 "SELECT sum(" + was + " AND NOT " + is + "), sum(" + is + " AND NOT " + was + ") FROM documents;\n";
         }
-        Write("questions.sql", questions);
-        std::istringstream answers(Run("sqlite3 -separator ' ' documents.db <questions.sql").output);
+        Write("counts.sql", statements);
+        std::istringstream answers(Run("sqlite3 -separator ' ' documents.db <counts.sql").output);
         std::map<std::string, std::pair<int, int>> rows;
         for (const json& answer : before) {
             auto& [lost, gained] = rows[answer["user"]];
             answers >> lost >> gained;
         }
-        EXPECT_TRUE(answers) << questions;
+        EXPECT_TRUE(answers) << statements;
         return rows;
     }
 };
 
-TEST_F(ComparisonTest, NobodySeesMoreWhoIsNotSaidTo)
+TEST_F(ComparisonTest, EveryGainAndLossOfRowsIsReported)
 {
     std::map<std::string, int> seen;
     for (int round = 0; round < 16; ++round) {
@@ -147,7 +148,7 @@ TEST_F(ComparisonTest, NobodySeesMoreWhoIsNotSaidTo)
         }
     }
     for (const std::string kind : {"wider", "narrower", "changed", "same", "more", "less"}) {
-        EXPECT_GT(seen[kind], 5) << kind; // else this has shown nothing
+        EXPECT_GT(seen[kind], 5) << kind; // each kind occurred
     }
 }
 
@@ -163,7 +164,7 @@ protected:
         Write("archive.toml", SampleText("archive.toml"));
         std::string statements = SampleText("security.sql") + "DELETE FROM security_user;\n";
         int position = 10000;
-        while (users.size() < 2345) { // more than are listed at a time
+        while (users.size() < 2345) { // more than one page of a listing
             const HostileUser user{Text(), Text()};
             const std::string name = Text();
             if (!users.emplace(name, user).second) {
@@ -212,7 +213,7 @@ protected:
     std::map<std::string, HostileUser> users;
 };
 
-TEST_F(HostileReportTest, CsvIsReadAsItWasMeant)
+TEST_F(HostileReportTest, CsvReadsBackAsItWasWritten)
 {
     const std::string text = Report("csv");
     std::vector<std::vector<std::string>> rows(1, {""});
@@ -231,7 +232,7 @@ TEST_F(HostileReportTest, CsvIsReadAsItWasMeant)
             rows.back().back() += text[n];
         }
     }
-    ASSERT_EQ(rows.size(), users.size() + 2); // the titles, and nothing behind the last line end
+    ASSERT_EQ(rows.size(), users.size() + 2); // the titles, and an empty row behind the last line end
     std::size_t index = 0;
     const std::regex formula("^([\t\r]|[ \t\r\n,|\"]*(＝|[-=+@]))");
     for (const auto& [name, user] : users) {
@@ -243,7 +244,7 @@ TEST_F(HostileReportTest, CsvIsReadAsItWasMeant)
     }
 }
 
-TEST_F(HostileReportTest, TheTextOfThePageIsTheNames)
+TEST_F(HostileReportTest, ThePageShowsNamesAsText)
 {
     const std::map<std::string, std::string> shown = {
         {"&", "&amp;"},          {"<", "&lt;"},   {">", "&gt;"},     {"\"", "&quot;"},  {"\t", "\\x09"},
@@ -260,7 +261,7 @@ TEST_F(HostileReportTest, TheTextOfThePageIsTheNames)
         for (const std::string& cell : Cells(name, user)) {
             expected += cell;
         }
-        for (const std::string first : {"&", "<"}) { // before what brings ampersands of its own
+        for (const std::string first : {"&", "<"}) { // first, because the other escapes hold ampersands
             expected = std::regex_replace(expected, std::regex(first), shown.at(first));
         }
         for (const auto& [raw, escaped] : shown) {
@@ -274,13 +275,13 @@ TEST_F(HostileReportTest, TheTextOfThePageIsTheNames)
     EXPECT_NE(page.find("<dt>Users</dt><dd>2345</dd>"), std::string::npos);
 }
 
-TEST_F(HostileReportTest, TheTableHoldsNothingThatATerminalObeys)
+TEST_F(HostileReportTest, TheTableHoldsNoControlCharacters)
 {
     const std::string table = Report("text");
-    const auto isOrder = [](char character) {
+    const auto isControl = [](char character) {
         return character != '\n' && (static_cast<unsigned char>(character) < 0x20 || character == 0x7f);
     };
-    EXPECT_TRUE(std::none_of(table.begin(), table.end(), isOrder));
+    EXPECT_TRUE(std::none_of(table.begin(), table.end(), isControl));
     for (const std::string turn : {"\u202e", "\u061c"}) {
         EXPECT_EQ(table.find(turn), std::string::npos);
     }
@@ -288,7 +289,7 @@ TEST_F(HostileReportTest, TheTableHoldsNothingThatATerminalObeys)
     EXPECT_EQ(table.rfind("2345 users: 0 unrestricted, 2345 restricted, 0 hide-all, 0 default\n\nuser ", 0), 0U);
 }
 
-TEST_F(HostileReportTest, JsonIsReadAsItWasMeant)
+TEST_F(HostileReportTest, JsonReadsBackAsItWasWritten)
 {
     const std::vector<json> rows = Objects("report $sample --values");
     ASSERT_EQ(rows.size(), users.size());

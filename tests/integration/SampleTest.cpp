@@ -4,6 +4,8 @@
 
 namespace {
 
+using namespace secm::testing;
+
 using SampleTest = EngineTest;
 
 TEST_P(SampleTest, EveryUserSeesWhatTheyMayOnBothRoads)

@@ -1,4 +1,4 @@
-// Both roads to the security database, and what becomes of a request when the database breaks.
+// Both roads to the security database, and requests after the database changed or broke.
 #include "SECM_AccessControl/AccessControlCallback.h"
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
@@ -21,6 +21,8 @@
 #include <tuple>
 
 namespace {
+
+using namespace secm::testing;
 
 using testing::HasSubstr;
 using SecurityDatabaseTest = EngineTest;
@@ -138,7 +140,8 @@ TEST_P(SecurityDatabaseTest, ARequestSeesEachTransactionWhollyOrNotAtAll)
     }
     Write("stop", "");
     writer.join();
-    EXPECT_EQ(written.status, 0) << written.errors;
+    EXPECT_EQ(written.status, 0);
+    EXPECT_EQ(written.errors, "");
     EXPECT_THAT(answers, testing::ElementsAre(testing::Key("a"), testing::Key("b")));
 }
 
@@ -238,7 +241,8 @@ TEST_P(ChangedFileTest, IsReadAsItIsOrRefused)
                 "log() { { printf '%s\\n' 'PRAGMA journal_mode = WAL;' \"$@\" '.shell kill -9 $PPID' "
                 "| sqlite3 security.db; } >log 2>&1 || true; }; " +
                 GetParam().at(1));
-        EXPECT_EQ(changed.status, 0) << changed.errors;
+        EXPECT_EQ(changed.status, 0);
+        EXPECT_EQ(changed.errors, "");
         EXPECT_THAT(answer(), testing::ContainsRegex(GetParam().at(2)));
         EXPECT_THAT(answer(), testing::ContainsRegex(GetParam().at(2)));
         Run("rm -rf security.db*");

@@ -7,6 +7,8 @@
 
 namespace {
 
+using namespace secm::testing;
+
 class TomlRepositoryTest : public WorkspaceTest {
 protected:
     void Load(const std::string& name) const

@@ -8,6 +8,8 @@
 #include <sstream>
 #include <stdexcept>
 
+namespace secm::testing {
+
 WorkspaceTest::WorkspaceTest()
 {
     // Neither what the caller's environment sets nor what an earlier test of this process set.
@@ -38,7 +40,7 @@ WorkspaceTest::~WorkspaceTest()
 
 void WorkspaceTest::SetUp()
 {
-    const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+    const ::testing::TestInfo& test = *::testing::UnitTest::GetInstance()->current_test_info();
     const std::string name = std::string(test.test_suite_name()) + "." + test.name();
     if (name.find("PostgreSql") != std::string::npos && !std::filesystem::exists(POSTGRESQL_SERVER)) {
         GTEST_SKIP() << "no PostgreSQL server; ctest starts it where Debian's postgresql-15 is installed";
@@ -100,3 +102,5 @@ std::string EngineTest::Sql(const std::string& statement) const
     EXPECT_EQ(outcome.errors, "");
     return outcome.output;
 }
+
+} // namespace secm::testing

@@ -7,13 +7,15 @@
 #include <filesystem>
 #include <string>
 
+namespace secm::testing {
+
 struct Outcome {
     int status;
     std::string output;
     std::string errors;
 };
 
-class WorkspaceTest : public testing::Test {
+class WorkspaceTest : public ::testing::Test {
 protected:
     WorkspaceTest();
     ~WorkspaceTest() override;
@@ -39,7 +41,7 @@ protected:
 };
 
 /// On the sample with logins.sql, in a database of each engine.
-class EngineTest : public WorkspaceTest, public testing::WithParamInterface<const char*> {
+class EngineTest : public WorkspaceTest, public ::testing::WithParamInterface<const char*> {
 protected:
     void SetUp() override;
 
@@ -49,6 +51,8 @@ protected:
     const bool isPostgreSql = std::string(GetParam()) == "PostgreSql";
     std::string connection;
 };
+
+} // namespace secm::testing
 
 #define ON_BOTH_ENGINES(suite)                                                                                         \
     INSTANTIATE_TEST_SUITE_P(On, suite, testing::Values("Sqlite", "PostgreSql"),                                       \

@@ -21,8 +21,11 @@ sql() { shared_server sql "$@"; } # NAME [STATEMENT]
 shared_server() { # COMMAND NAME ARGUMENT...
     command=$1 name=${PWD##*/}-$2
     shift 2
-    "$POSTGRESQL" "$command" "$POSTGRESQL_SERVER" "$name" "$@"
+    server "$command" "$POSTGRESQL_SERVER" "$name" "$@"
 }
+
+# Starts and breaks servers of a test's own; the commands are those of scripts/postgresql.
+server() { "$POSTGRESQL" "$@"; } # COMMAND FOLDER ARGUMENT...
 
 # Equal lines that follow each other, and how many there are.
 counted() { uniq -c | sed 's/^ *//'; }

@@ -6,6 +6,8 @@
 
 namespace {
 
+using namespace secm::testing;
+
 using namespace secm::platform;
 
 TEST(ConnectionTextTest, ShowsNothingThatCouldBeSecret)

@@ -3,6 +3,8 @@
 
 namespace {
 
+using namespace secm::testing;
+
 TEST(ErrorContextTest, NamesTheSecurityManagersCodes)
 {
     for (const Lines& row : CaseRows("result_codes.txt")) {

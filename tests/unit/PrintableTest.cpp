@@ -5,6 +5,8 @@
 
 namespace {
 
+using namespace secm::testing;
+
 using namespace secm::acfilter;
 
 class PrintableTest : public testing::TestWithParam<Lines> {};

@@ -19,6 +19,8 @@
 
 namespace {
 
+using namespace secm::testing;
+
 using namespace secm::analysis;
 using namespace secm::acfilter;
 

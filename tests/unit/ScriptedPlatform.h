@@ -8,6 +8,9 @@
 
 #include <map>
 
+using secm::testing::Lines;
+using secm::testing::Split;
+
 struct Script {
     Lines journal;
     int logLevel = 7;

@@ -6,6 +6,8 @@
 
 namespace {
 
+using namespace secm::testing;
+
 using namespace secm::analysis;
 
 std::string Shown(const PermissionBase& permission)
