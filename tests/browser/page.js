@@ -1,4 +1,5 @@
-// Appended to a report whose protection is taken away: what it shows, and that it sorts and searches, one line a fact.
+// Appended to a report without its Content-Security-Policy. Prints what the page shows, and that it sorts and searches, one
+// fact a line.
 (() => {
   const facts = [];
   const tell = (name, value) => facts.push(`${name}: ${value}`);

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Opens a report of hostile names in Chromium, without a window: what is shown, that nothing runs, sorting, searching,
-# light and dark, and print.
+# Opens a report with hostile names in Chromium, without a window. Checks what the page shows, that no script from the
+# names runs, sorting, searching, the light and the dark colours, and print.
 # Usage: tests/browser/run.sh BUILD_FOLDER
 set -euo pipefail
 cd "$(dirname "$0")/../.."
@@ -17,7 +17,7 @@ expect() { # NAME WANTED GOT
         diff <(echo "$2") <(echo "$3") || true
     fi
 }
-browse() { # OPTION... FILE: what went wrong on the page stands in $scratch/console
+browse() { # OPTION... FILE: the errors of the page go to $scratch/console
     rm -rf "$scratch/profile"
     chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run --disable-background-networking \
         --disable-component-update --disable-sync --enable-logging=stderr --user-data-dir="$scratch/profile" \
@@ -36,10 +36,11 @@ sed "s#\.\(documents\)\]#.\"$hostile\"]#; s#fields\.author\.#fields.'<img src=x 
 } | sqlite3 -bail "$scratch/security.db"
 report=$scratch/report.html
 "$acfilter" report -c "$scratch/archive.toml" -s "sqlite3://db=$scratch/security.db" -r "$hostile" --values \
-    --format html --output "$report"
+    --format html --output "$report" 2>"$scratch/errors"
+expect "writing the report prints nothing" "" "$(<"$scratch/errors")"
 
 browse --dump-dom "$report" >"$scratch/dom"
-expect "the page's own style and script are let through" "0 1" \
+expect "the page's own style and script run" "0 1" \
     "$(grep -c 'Content Security Policy' "$scratch/console" || true) $(grep -c 'type="search"' "$scratch/dom" || true)"
 
 { grep -v '^<meta http-equiv="Content-Security-Policy"' "$report"; echo "<script>$(<tests/browser/page.js)</script>"; } \
@@ -47,7 +48,7 @@ expect "the page's own style and script are let through" "0 1" \
 facts() { browse "$@" --dump-dom "$scratch/open.html" |
     sed -n '/<pre>/,/<\/pre>/{s/.*<pre>//; s/<\/pre>.*//; s/&lt;/</g; s/&gt;/>/g; s/&amp;/\&/g; p}'; }
 light=$(facts)
-expect "everything hostile is text, and the page sorts and searches" "$(<tests/browser/facts.txt)" "$light"
+expect "names are text, and the page sorts and searches" "$(<tests/browser/facts.txt)" "$light"
 expect "light" "page: rgb(255, 255, 255)" "$(tail -n 1 <<<"$light")"
 expect "dark" "page: rgb(20, 24, 29)" "$(facts --blink-settings=preferredColorScheme=0 | tail -n 1)"
 
