@@ -1,4 +1,4 @@
-// How connection texts are read, and what of them is shown.
+// Reading connection texts, and showing them without secrets.
 #include "platform/security_manager/sql/ConnectionText.h"
 #include "tests/Cases.h"
 

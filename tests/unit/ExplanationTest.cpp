@@ -1,11 +1,13 @@
 // How an explanation shows what is long, and what was tried.
 #include "tools/acfilter/render/Explanation.h"
 #include "analysis/trace/Tracer.h"
-#include "tests/unit/ScriptedPlatform.h"
+#include "testing/Outside.h"
+#include "tests/Cases.h"
 #include "tools/acfilter/render/Printable.h"
 
 #include <stdexcept>
 
+using namespace secm::testing;
 using testing::HasSubstr;
 
 namespace {
@@ -73,13 +75,14 @@ class TriedChangesTest : public testing::Test {
 protected:
     TriedChangesTest()
     {
-        script = Script();
+        outside = Outside();
         const std::string top = "zarvona\\system\\applications\\securitymanager\\unified_access_control\\";
-        script.configuration = {{top + "repositories\\docs\\hide_all_filter", "NOTHING"},
-                                {top + "fields\\f\\docs\\permission_name", "p"},
-                                {top + "fields\\f\\docs\\permission_value", "1"},
-                                {top + "fields\\f\\docs\\condition1", "%values%"}};
-        script.permissions = {{"p", 1, "a", false}, {"p", 1, "b", false}};
+        outside.configuration.Add(top + "repositories\\docs\\hide_all_filter", "NOTHING");
+        outside.configuration.Add(top + "fields\\f\\docs\\permission_name", "p");
+        outside.configuration.Add(top + "fields\\f\\docs\\permission_value", "1");
+        outside.configuration.Add(top + "fields\\f\\docs\\condition1", "%values%");
+        outside.users["u"].permissions = {{"p", 1, "a", false}, {"p", 1, "b", false}};
+        outside.users["other"] = outside.users["u"];
     }
 };
 
@@ -88,33 +91,37 @@ TEST_F(TriedChangesTest, AreRefusedWhereTheyCannotBeTried)
 {
     const PermissionBase grant("p", 1, nullptr, false);
     const struct {
-        const char* missing;
+        Refusal Outside::*missing;
         WhatIf tried;
         const char* refusal; ///< Of a log-in; null: it is answered.
     } cases[] = {
-        {"permission list", {}, nullptr},
-        {"permission list", {{{"uid", "u"}}, {}, {}}, nullptr},
-        {"permission list", {{}, {grant}, {}}, "the security manager lists no permissions, so no change can be tried"},
-        {"permission list", {{}, {}, {{"p"}}}, "the security manager lists no permissions, so no change can be tried"},
-        {"user details", {}, nullptr},
-        {"user details",
+        {&Outside::permissionLists, {}, nullptr},
+        {&Outside::permissionLists, {{{"uid", "u"}}, {}, {}}, nullptr},
+        {&Outside::permissionLists,
+         {{}, {grant}, {}},
+         "the security manager lists no permissions, so no change can be tried"},
+        {&Outside::permissionLists,
+         {{}, {}, {{"p"}}},
+         "the security manager lists no permissions, so no change can be tried"},
+        {&Outside::userDetails, {}, nullptr},
+        {&Outside::userDetails,
          {{{"uid", "u"}}, {}, {}},
          "the security manager tells nothing of the user, so no change can be tried"},
-        {"user details",
+        {&Outside::userDetails,
          {{}, {grant}, {}},
          "the security manager tells nothing of the user, so no change can be tried"},
     };
     for (const auto& [missing, tried, refusal] : cases) {
-        script.answers.clear();
+        outside.permissionLists = outside.userDetails = {};
         Tracer manager("docs", tried);
         manager.Connect("text", 7);
         manager.Explain({"other", "", false});
-        script.answers[missing] = false;
+        (outside.*missing).nth = Refusal::every;
         try {
             manager.Explain({"u", "", false});
-            EXPECT_EQ(refusal, nullptr) << missing;
+            EXPECT_EQ(refusal, nullptr);
         } catch (const std::runtime_error& error) {
-            EXPECT_STREQ(error.what(), refusal) << missing;
+            EXPECT_STREQ(error.what(), refusal);
         }
     }
 }
@@ -125,7 +132,9 @@ TEST_F(TriedChangesTest, AreCountedAfreshForEachRequest)
     manager.Connect("text", 7);
     for (const bool isKnown : {true, true, false}) {
         for (const bool withoutLogin : {false, true}) {
-            script.answers["user details"] = script.answers["logged in"] = isKnown;
+            if (!isKnown) {
+                outside.users.clear();
+            }
             const Trace trace = manager.Explain({"u", "", withoutLogin});
             EXPECT_EQ(trace.answer.filter, isKnown ? "b" : "");
             EXPECT_EQ(trace.tried.revocations.front().revoked, isKnown ? 1U : 0U);

@@ -15,7 +15,7 @@ TEST_P(PrintableTest, IsHarmlessToATerminal)
 {
     const std::string& text = GetParam().at(1);
     EXPECT_EQ(Printable(text), GetParam().at(2));
-    // What stands behind the text, and would make a control character of its end, is not looked at.
+    // The byte after the view would complete a control character; it must not be read.
     EXPECT_EQ(Printable(std::string_view(text + "\x8e").substr(0, text.size())), GetParam().at(2));
 }
 
