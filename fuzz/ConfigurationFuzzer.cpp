@@ -1,7 +1,7 @@
-// Any bytes as the configuration: either they are refused with a place in them, and what was in force stays, or every
-// way to ask for what stands there gets the same answer, after a second load too. With CFG_REQUIRE_END=1, they are
-// taken again exactly when each file ends with the end line. An input is one file, or two in a folder when a line in it
-// says so.
+// Loads any bytes as a configuration. Either they are refused with a place in them, and the configuration in force
+// stays; or all operations give the same answers about them, also after a second load. With CFG_REQUIRE_END=1 they are
+// accepted if and only if each file ends with the end line. An input is one file, or two files of a folder when it
+// holds the line "#second file".
 #include "fuzz/Fuzzing.h"
 #include "platform/configuration/CFG_Listing.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
@@ -16,6 +16,8 @@
 #include <fstream>
 #include <memory>
 #include <vector>
+
+using namespace secm::fuzzing;
 
 namespace {
 
@@ -83,8 +85,8 @@ void CheckValue(const CFG_RepositoryServices& node, const std::string& path, con
             "GetIntValue differs", path);
 }
 
-// Compares all ways to ask for what stands below the node at `path`, and writes it down. Answers how deep names stand
-// in it, one inside the other.
+// Compares the answers of all operations about the node at `path` and appends its content to `seen`. Gives the depth of
+// nested names in it.
 unsigned CheckNode(const CFG_RepositoryServices& node, const std::string& path, std::string& seen)
 {
     unsigned depth = 0;
@@ -132,7 +134,8 @@ View Look()
     return view;
 }
 
-// What is counted before the parser is let at a file that it then takes: never too little, and at most one too much.
+// The nesting that is counted before parsing, of a file that the parser accepts: never too little, at most one too
+// much.
 void CheckNesting(std::string_view content, unsigned depth)
 {
     Require(depth == 0 || secm::platform::FindTooDeep(content, depth - 1), "counted too little of the nesting",
@@ -140,7 +143,7 @@ void CheckNesting(std::string_view content, unsigned depth)
     Require(!secm::platform::FindTooDeep(content, depth + 1), "counted too much nesting", std::to_string(depth));
 }
 
-// PATH:LINE:COLUMN: what is wrong; the place is one that the file has, its end included.
+// Requires PATH:LINE:COLUMN: TEXT, with a place in the file or at its end.
 void CheckError(std::string error, const std::vector<std::pair<std::string, std::string_view>>& files)
 {
     for (const auto& [path, content] : files) {

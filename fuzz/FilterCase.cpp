@@ -1,10 +1,10 @@
 #include "fuzz/FilterCase.h"
 
-#include "fuzz/Fuzzing.h"
-
 #include <fuzzer/FuzzedDataProvider.h>
 
-#include <algorithm>
+namespace secm::fuzzing {
+
+using testing::Offer;
 
 namespace {
 
@@ -13,9 +13,9 @@ using Texts = std::vector<std::string>;
 const std::string root = R"(zarvona\system\)";
 const std::string access = root + R"(applications\securitymanager\unified_access_control\)";
 
-// In the tables below, what stands several times is chosen more often.
+// What stands several times in these tables is chosen more often.
 
-// What templates are made of, and what could be taken for it.
+// Parts of templates, and texts that look like them.
 const Texts pieces = {
     "%values%", "%equal_operator%", "%my%",   "$uid$", "$a$",  "$",    "'",    ",",      " ", "=", "x", "(", ")", "%",
     "$$",       "%VALUES%",         "%value", "s%",    "$uid", "uid$", "%%my", "values%"};
@@ -41,14 +41,13 @@ public:
         MakeSettings();
         MakeFields();
         MakeTables();
-        made.users.resize(Number(1, 2));
-        for (User& user : made.users) {
-            MakeUser(user);
+        for (std::size_t count = Number(1, 2); count > 0; --count) {
+            MakeUser();
         }
         made.logLevel = Mostly() ? 7 : static_cast<int>(Number(0, 7));
         made.connects = Mostly();
-        made.securityManager = OneInterface();
-        made.administration = OneInterface();
+        made.securityManager = OneOffer();
+        made.administration = OneOffer();
         made.requests.resize(Number(1, 4));
         for (Request& request : made.requests) {
             MakeRequest(request);
@@ -57,13 +56,13 @@ public:
         for (Step& step : made.steps) {
             step.text = List(tokens);
             step.values = Several(resources, 3);
-            MakeGrant(step.sought);
+            step.sought = OnePermission();
         }
         return std::move(made);
     }
 
 private:
-    // When the input is used up, numbers are the smallest and choices the first.
+    // The smallest when the input is used up.
     std::size_t Number(std::size_t smallest, std::size_t largest)
     {
         return input.ConsumeIntegralInRange(smallest, largest);
@@ -73,12 +72,9 @@ private:
 
     const std::string& OneOf(const Texts& choices) { return choices[Number(0, choices.size() - 1)]; }
 
-    Interface OneInterface()
-    {
-        return Mostly() ? Interface::connects : Number(0, 1) == 0 ? Interface::refuses : Interface::isMissing;
-    }
+    Offer OneOffer() { return Mostly() ? Offer::connects : Number(0, 1) == 0 ? Offer::refuses : Offer::isMissing; }
 
-    // Of any bytes, among others.
+    // Parts of templates and any bytes.
     std::string Composed(std::size_t mostPieces)
     {
         std::string text;
@@ -95,7 +91,7 @@ private:
         return choice < choices.size() ? choices[choice] : Composed(6);
     }
 
-    // As what passes through an interface of NUL-terminated texts.
+    // A text as a C interface passes it on.
     std::string WithoutNul(const std::string& text) { return text.c_str(); }
 
     Texts Several(const Texts& choices, std::size_t most)
@@ -131,7 +127,7 @@ private:
         }
         made.configuration.nodes[path] = names;
         if (!Mostly()) {
-            made.configuration.withoutNames.insert(path);
+            made.configuration.nodes[path].reset();
         }
         return true;
     }
@@ -166,7 +162,7 @@ private:
     {
         Value(path + "\\permission_name", OneOf(permissionNames));
         if (Mostly()) {
-            made.configuration.integers[path + "\\permission_value"] = static_cast<std::int32_t>(Bits());
+            made.configuration.values[path + "\\permission_value"] = std::to_string(static_cast<std::int32_t>(Bits()));
         }
         Value(path + "\\conditions_delimiter", OneOrComposed(separators));
         Value(path + "\\my_field", OneOf({"", "$uid$", "$a$", "uid", "$", "$$", "xa"}));
@@ -207,33 +203,33 @@ private:
         return usual[Number(0, std::size(usual) - 1)];
     }
 
-    void MakeGrant(Grant& grant)
+    PermissionBase OnePermission()
     {
-        grant.name = OneOf(permissionNames);
-        grant.value = Bits();
-        if (Mostly()) {
-            grant.resource = WithoutNul(OneOrComposed(resources));
-        }
-        grant.isConditional = Number(0, 1) == 1;
+        const std::string& name = OneOf(permissionNames);
+        const std::uint32_t value = Bits();
+        const bool hasResource = Mostly();
+        const std::string resource = hasResource ? OneOrComposed(resources) : "";
+        return {name.c_str(), value, hasResource ? resource.c_str() : nullptr, Number(0, 1) == 1};
     }
 
-    void MakeUser(User& user)
+    void MakeUser()
     {
-        user.name = WithoutNul(OneOf(userNames));
+        testing::User user;
+        madeNames.push_back(WithoutNul(OneOf(userNames)));
         user.group = OneOf({"g", "", "%s"});
         for (const std::string& name : Several(attributeNames, 4)) {
             user.attributes[name] = WithoutNul(OneOrComposed({"u1", "", "%my%"}));
         }
-        user.grants.resize(Number(0, 6));
-        for (Grant& grant : user.grants) {
-            MakeGrant(grant);
+        for (std::size_t count = Number(0, 6); count > 0; --count) {
+            user.permissions.push_back(OnePermission());
         }
+        made.users.try_emplace(madeNames.back(), std::move(user));
     }
 
     void MakeRequest(Request& request)
     {
         request.road = static_cast<Road>(Number(0, 2));
-        request.user = Mostly() ? made.users[Number(0, made.users.size() - 1)].name : OneOf(userNames);
+        request.user = Mostly() ? OneOf(madeNames) : OneOf(userNames);
         request.address = OneOf({"10.0.0.1", "", std::string("1\0 2", 4)});
         request.hasInterface = Mostly();
         request.hasList = Mostly();
@@ -242,97 +238,15 @@ private:
     }
 
     FuzzedDataProvider input;
+    Texts madeNames; // of the users
     Case made;
 };
 
-using ::Shown;
-
-std::string Shown(const Grant& grant)
-{
-    return Shown(grant.name) + " " + std::to_string(grant.value) + " " +
-           (grant.resource ? Shown(*grant.resource) : "without resource") + (grant.isConditional ? " conditional" : "");
-}
-
-std::string Shown(Interface interface)
-{
-    return interface == Interface::connects ? "connects" : interface == Interface::refuses ? "refuses" : "is missing";
-}
-
-std::string Shown(const Texts& texts)
-{
-    std::string shown;
-    for (const std::string& text : texts) {
-        shown += " " + Shown(text);
-    }
-    return shown;
-}
-
-std::string Shown(const Configuration& configuration)
-{
-    std::string shown = std::string("configuration") + (configuration.exists ? "" : " is not there") + "\n";
-    for (const auto& [path, names] : configuration.nodes) {
-        shown += "  node " + Shown(path) + Shown(names) +
-                 (configuration.withoutNames.count(path) != 0 ? " (gives no list)\n" : "\n");
-    }
-    for (const auto& [path, value] : configuration.values) {
-        shown += "  " + Shown(path) + " = " + Shown(value) + "\n";
-    }
-    for (const auto& [path, value] : configuration.integers) {
-        shown += "  " + Shown(path) + " = " + std::to_string(value) + "\n";
-    }
-    return shown;
-}
-
-std::string Shown(const User& user)
-{
-    std::string shown = "user " + Shown(user.name) + " of group " + Shown(user.group) + "\n";
-    for (const auto& [name, value] : user.attributes) {
-        shown += "  attribute " + Shown(name) + " = " + Shown(value) + "\n";
-    }
-    for (const Grant& grant : user.grants) {
-        shown += "  grant " + Shown(grant) + "\n";
-    }
-    return shown;
-}
-
-std::string Shown(const Request& request)
-{
-    const char* const roads[] = {"login", "own login", "administration"};
-    return std::string("request by ") + roads[static_cast<int>(request.road)] + " for " + Shown(request.user) +
-           " from " + Shown(request.address) + (request.hasInterface ? "" : ", no interface") +
-           (request.hasList ? "" : ", no list") + ", failing: resources " + std::to_string(request.failedResources) +
-           ", details " + std::to_string(request.missingDetails) + "\n";
-}
-
 } // namespace
-
-const User* Case::FindUser(const std::string& name) const
-{
-    const auto found =
-        std::find_if(users.begin(), users.end(), [&](const User& user) { return user.name == name.c_str(); });
-    return found != users.end() ? &*found : nullptr;
-}
 
 Case MakeCase(const std::uint8_t* data, std::size_t size)
 {
     return Maker(data, size).Make();
 }
 
-std::string Shown(const Case& shownCase)
-{
-    std::string shown = "repository " + Shown(shownCase.repository) + "\n" + Shown(shownCase.configuration);
-    for (const User& user : shownCase.users) {
-        shown += Shown(user);
-    }
-    shown += "log level " + std::to_string(shownCase.logLevel) + "\n";
-    shown += std::string(shownCase.connects ? "connects" : "does not connect") + ": security manager " +
-             Shown(shownCase.securityManager) + ", administration " + Shown(shownCase.administration) + "\n";
-    for (const Request& request : shownCase.requests) {
-        shown += Shown(request);
-    }
-    for (const Step& step : shownCase.steps) {
-        shown +=
-            "step with " + Shown(step.text) + ", values" + Shown(step.values) + ", sought " + Shown(step.sought) + "\n";
-    }
-    return shown;
-}
+} // namespace secm::fuzzing

@@ -1,13 +1,16 @@
-// The module on a platform that a case describes, against a plain model of it: every filter, every message and every
-// log-in and release must be the same, byte for byte. With FUZZ_SHOW set, every case is printed before it is played.
+// Plays a case on the module and on a plain model of it: filters, messages, log-ins, log-outs and releases must be the
+// same, byte for byte. With FUZZ_SHOW set, prints each case before it is played.
 #include "fuzz/FilterModel.h"
-#include "fuzz/FilterPlatform.h"
 #include "fuzz/Fuzzing.h"
 
 #include "SECM_AccessControl/SECM_AccessControlManager.h"
 
 #include <cstdio>
 #include <cstdlib>
+
+namespace secm::fuzzing {
+
+using testing::outside, testing::Refusal;
 
 namespace {
 
@@ -18,7 +21,7 @@ public:
         SECM_AccessControlManager::HandleSingleConditionForUser, SECM_AccessControlManager::SECM_AccessControlManager,
         SECM_AccessControlManager::SplitCommaList;
 
-    // Of all definitions, one after the other; null when there are not as many.
+    // Counts the conditions of all definitions; null when there are fewer.
     const ConditionDefinition* FindCondition(std::size_t n) const
     {
         for (const auto& field : fieldDefinitions) {
@@ -42,7 +45,7 @@ std::string Joined(const std::vector<std::string>& texts)
 
 class Play {
 public:
-    explicit Play(const Case& played) : world(played), stageOfCase(played), model(played), manager(played.repository) {}
+    explicit Play(const Case& played) : world(played), platform(played), model(played), manager(played.repository) {}
 
     void Run()
     {
@@ -54,46 +57,50 @@ public:
         for (std::size_t n = 0; n < world.requests.size(); ++n) {
             Ask(world.requests[n], "request " + std::to_string(n + 1));
         }
-        const Request none;
-        stage.request = &none;
+        outside.userDetails = outside.resources = outside.permissionLists = {};
         for (std::size_t n = 0; n < world.steps.size(); ++n) {
             Take(world.steps[n], "step " + std::to_string(n + 1));
         }
     }
 
 private:
-    // What members of the manager's construction need.
-    struct StageOfCase {
-        explicit StageOfCase(const Case& played)
+    // Sets what lies outside, before the manager is made.
+    struct CasePlatform {
+        explicit CasePlatform(const Case& played)
         {
-            stage = Stage();
-            stage.world = &played;
+            outside = testing::Outside();
+            outside.configuration = played.configuration;
+            outside.logLevel = played.logLevel;
+            outside.securityManager = played.securityManager;
+            outside.administration = played.administration;
+            outside.users = played.users;
         }
     };
 
     void Ask(const Request& request, const std::string& where)
     {
-        stage.request = &request;
-        stage.resourceQueries = 0;
-        stage.detailQueries = 0;
+        outside.userDetails = {request.missingDetails};
+        outside.resources = {request.failedResources};
+        outside.permissionLists = {request.hasList ? 0 : Refusal::every};
         std::string filter;
         if (request.road == Road::login) {
             filter = manager.GetAccessControlFilter(request.user, request.address);
         } else if (request.road == Road::administration) {
             filter = manager.GetAccessControlFilter(request.user);
         } else {
-            static const User unknown;
-            const User* user = world.FindUser(request.user);
-            user = user != nullptr ? user : &unknown;
-            filter = manager.GetAccessControlFilter(OwnSecurityManager(request.hasInterface ? user : nullptr));
+            static testing::User unknown;
+            const auto user = outside.users.find(request.user);
+            testing::OutsideSecurityManager().LogIn(user != outside.users.end() ? &user->second : &unknown);
+            filter =
+                manager.GetAccessControlFilter(request.hasInterface ? &testing::OutsideSecurityManager() : nullptr);
         }
         Compare(where, filter, model.Filter(request));
     }
 
     void Take(const Step& step, const std::string& where)
     {
-        const User& user = world.users.front();
-        PermissionList list(user.grants);
+        testing::User& user = outside.users.begin()->second;
+        testing::InMemoryPermissionList list(user.permissions);
         std::vector<std::string> entries = step.values;
         manager.SplitCommaList(step.text, entries);
         std::vector<std::string> expected = step.values;
@@ -102,49 +109,50 @@ private:
         }
         Compare(where + ", split", Joined(entries), Joined(expected));
 
-        Compare(where + ", held", manager.CheckPermissionInList(&list, PermissionOf(step.sought)) ? "held" : "not held",
-                model.ListHolds(user.grants, step.sought) ? "held" : "not held");
+        Compare(where + ", held", manager.CheckPermissionInList(&list, step.sought) ? "held" : "not held",
+                model.ListHolds(user.permissions, step.sought) ? "held" : "not held");
         std::vector<std::string> resources = step.values;
-        manager.GetResourcesFromList(&list, step.sought.name, step.sought.value, resources);
+        manager.GetResourcesFromList(&list, step.sought.name(), step.sought.value(), resources);
         expected = step.values;
-        for (const std::string& resource : model.ListResources(user.grants, step.sought.name, step.sought.value)) {
+        for (const std::string& resource :
+             model.ListResources(user.permissions, step.sought.name(), step.sought.value())) {
             expected.push_back(resource);
         }
         Compare(where + ", resources", Joined(resources), Joined(expected));
 
-        UserDetails details;
-        details.user = &user;
         for (std::size_t n = 0; manager.FindCondition(n) != nullptr; ++n) {
             Compare(where + ", condition " + std::to_string(n),
-                    manager.HandleSingleConditionForUser(*manager.FindCondition(n), step.values, &details),
+                    manager.HandleSingleConditionForUser(*manager.FindCondition(n), step.values, &user),
                     model.FilledCondition(n, step.values, user).value_or("no such condition"));
         }
     }
 
     void Compare(const std::string& where, const std::string& found, const std::string& expected)
     {
-        if (found != expected || stage.journal != model.journal) {
+        if (found != expected || outside.calls.record != model.record) {
             Fail(where + ": the module answered\n  " + Shown(found) + "\nand not\n  " + Shown(expected) +
-                 "\nand went outside with" + Joined(stage.journal) + "\nand not with" + Joined(model.journal) +
+                 "\nand went outside with" + Joined(outside.calls.record) + "\nand not with" + Joined(model.record) +
                  "\nin the case\n" + Shown(world));
         }
     }
 
     const Case& world;
-    StageOfCase stageOfCase;
+    CasePlatform platform;
     FilterModel model;
     OpenManager manager;
 };
 
 } // namespace
 
+} // namespace secm::fuzzing
+
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static const bool isShown = std::getenv("FUZZ_SHOW") != nullptr;
-    const Case world = MakeCase(data, size);
+    const secm::fuzzing::Case world = secm::fuzzing::MakeCase(data, size);
     if (isShown) {
         std::fputs(Shown(world).c_str(), stderr);
     }
-    Play(world).Run();
+    secm::fuzzing::Play(world).Run();
     return 0;
 }

@@ -1,17 +1,18 @@
 #include "fuzz/FilterModel.h"
 
+#include <optional>
+
+namespace secm::fuzzing {
+
 namespace {
 
 using Texts = std::vector<std::string>;
 
-const std::string root = R"(zarvona\system\)";
-const std::string access = root + R"(applications\securitymanager\unified_access_control\)";
-const std::string issuer = R"(applications\norvale\pix\assigning_authority\value)";
-
-std::string UpToNul(const std::string& text)
-{
-    return text.substr(0, text.find('\0'));
-}
+const std::string manager = "SECM_AccessControlManager::";
+const std::string connectingLog = manager + "InitSecurityConnection";
+const std::string requestLog = manager + "GetAccessControlFilter";
+const std::string conditionLog = manager + "HandleSingleCondition";
+const std::string valueLog = manager + "ReplaceSingleValue";
 
 bool Contains(const Texts& texts, const std::string& sought)
 {
@@ -33,8 +34,21 @@ void ReplaceFirst(std::string& text, const std::string& pattern, const std::stri
     }
 }
 
+// Null: there is none.
+const testing::User* Find(const testing::Users& users, const std::string& name)
+{
+    const auto found = users.find(name);
+    return found != users.end() ? &found->second : nullptr;
+}
+
+// No resource is not the same as an empty one.
+std::optional<std::string> ResourceOf(const PermissionBase& permission)
+{
+    return permission.resource() != nullptr ? std::optional<std::string>(permission.resource()) : std::nullopt;
+}
+
 // Null when the user has none.
-const std::string* Attribute(const User& user, const std::string& token)
+const std::string* Attribute(const testing::User& user, const std::string& token)
 {
     std::string name = token;
     if (!name.empty()) {
@@ -54,161 +68,22 @@ FilterModel::FilterModel(const Case& ofCase) : world(ofCase)
     ReadConfiguration();
 }
 
-void FilterModel::Say(int level, const std::string& message)
+void FilterModel::Log(int level, const std::string& function, const std::string& message)
 {
     if (level <= world.logLevel) {
-        journal.push_back(std::to_string(level) + " " + message);
+        record.push_back(testing::RecordedMessage(level, function, message));
     }
-}
-
-std::string FilterModel::WholeValue(const std::string& path) const
-{
-    const auto found = world.configuration.values.find(path);
-    return found != world.configuration.values.end() ? found->second : "";
-}
-
-std::string FilterModel::Value(const std::string& path) const
-{
-    return UpToNul(WholeValue(path));
-}
-
-Texts FilterModel::Names(const std::string& path) const
-{
-    const auto found = world.configuration.nodes.find(path);
-    if (found == world.configuration.nodes.end() || world.configuration.withoutNames.count(path) != 0) {
-        return {};
-    }
-    return found->second;
-}
-
-void FilterModel::ReadConfiguration()
-{
-    const std::string repository = access + "repositories\\" + world.repository;
-    if (!world.configuration.exists) {
-        Say(3, "Could not create CFG instance\n");
-        return;
-    }
-    if (world.configuration.nodes.count(repository) == 0) {
-        Say(7, "No access control configurations\n");
-        return;
-    }
-    settings.hideAll = Value(repository + "\\hide_all_filter");
-    settings.standard = Value(repository + "\\default_filter");
-    settings.fieldDelimiter = Value(repository + "\\filter_delimiter");
-    settings.singleOperator = Value(repository + "\\single_equal_operator");
-    settings.multipleOperator = Value(repository + "\\multiple_equal_operator");
-    settings.listDelimiter = Value(repository + "\\value_multiplicity_delimiter");
-    settings.listPrefix = Value(repository + "\\value_multiplicity_prefix");
-    settings.listSuffix = Value(repository + "\\value_multiplicity_suffix");
-    if (world.configuration.nodes.count(access + "fields") == 0) {
-        Say(7, "No access control configurations\n");
-        return;
-    }
-    for (const std::string& name : Names(access + "fields")) {
-        ReadField(name);
-    }
-}
-
-void FilterModel::ReadField(const std::string& name)
-{
-    const std::string path = access + "fields\\" + name + "\\" + world.repository;
-    if (world.configuration.nodes.count(path) == 0) {
-        return;
-    }
-    const std::string invalid =
-        "Invalid access control configurations under " + name + "\\" + UpToNul(world.repository) + "\n";
-    Field field;
-    field.permission = Value(path + "\\permission_name");
-    field.delimiter = Value(path + "\\conditions_delimiter");
-    field.myField = Value(path + "\\my_field");
-    const auto bits = world.configuration.integers.find(path + "\\permission_value");
-    if (bits == world.configuration.integers.end()) {
-        Say(3, invalid);
-        return;
-    }
-    field.bits = static_cast<std::uint32_t>(bits->second);
-    field.conditions = ReadConditions(path);
-    if (field.conditions.empty() || field.permission.empty() ||
-        (field.conditions.size() > 1 && field.delimiter.empty())) {
-        Say(3, invalid);
-        return;
-    }
-    fields.push_back(field);
-}
-
-std::vector<FilterModel::Condition> FilterModel::ReadConditions(const std::string& path)
-{
-    std::vector<Condition> conditions;
-    for (int n = 1;; ++n) {
-        const std::string number = std::to_string(n);
-        Condition condition;
-        condition.text = Value(path + "\\condition" + number);
-        if (condition.text.empty()) {
-            return conditions;
-        }
-        condition.mandatory = Split(Value(path + "\\mandatory_fields" + number));
-        condition.replace = Split(Value(path + "\\replace_fields" + number));
-        const std::string function = Value(path + "\\values_function" + number);
-        if (!function.empty()) {
-            ReadTable(condition, function, Value(path + "\\values_function_config_string" + number));
-        }
-        conditions.push_back(condition);
-    }
-}
-
-void FilterModel::ReadTable(Condition& condition, const std::string& function, const std::string& table)
-{
-    if (function == "CodeToDisplayName") {
-        condition.maps = true;
-        const std::string codes = root + "applications\\codes\\" + table;
-        if (world.configuration.nodes.count(codes) == 0) {
-            Say(7, "Couldn't find codes subtree\n");
-            return;
-        }
-        for (const std::string& code : Names(codes)) {
-            const std::string name = WholeValue(codes + "\\" + code + "\\display_name");
-            if (!code.empty() && !name.empty()) {
-                condition.table[code] = name;
-            }
-        }
-    } else if (function == "SiteIdToIssuer") {
-        condition.maps = true;
-        for (const std::string& site : Names(root + "sites")) {
-            const std::string ofSite = WholeValue(root + "sites\\" + site + "\\" + issuer);
-            if (!site.empty() && !ofSite.empty()) {
-                condition.table[site] = ofSite;
-            }
-        }
-        condition.unknown = Value(root + issuer);
-    } else {
-        Say(3, "Couldn't find values function " + function + "\n");
-    }
-}
-
-Texts FilterModel::Split(const std::string& list) const
-{
-    Texts entries;
-    std::string entry;
-    for (const char character : list + ",") {
-        if (character != ',') {
-            entry += character;
-        } else if (!entry.empty()) {
-            entries.push_back(entry);
-            entry = "";
-        }
-    }
-    return entries;
 }
 
 bool FilterModel::Connect()
 {
-    const auto attempt = [this](Interface found, const char* refused, const char* released) {
-        if (found == Interface::connects) {
+    const auto attempt = [this](testing::Offer found, const char* refused, const char* released) {
+        if (found == testing::Offer::connects) {
             return true;
         }
-        Say(3, refused);
-        if (found == Interface::refuses) {
-            journal.push_back(released);
+        Log(3, connectingLog, refused);
+        if (found == testing::Offer::refuses) {
+            record.push_back(released);
         }
         return false;
     };
@@ -236,78 +111,78 @@ std::string FilterModel::Filter(const Request& request)
 std::string FilterModel::FilterByLogin(const Request& request)
 {
     if (!hasSecurityManager) {
-        Say(3, "Security manager is not initialized\n");
+        Log(3, requestLog, "Security manager is not initialized\n");
         return settings.hideAll;
     }
-    Say(7, "Getting Access control filter for user: " + UpToNul(request.user) + ", ip: " + UpToNul(request.address) +
-               "\n");
-    journal.push_back("login brantor|" + request.user + "||$$$NO_GROUP$$$|$$$NO_GROUP$$$|" + request.address);
-    const User* user = world.FindUser(request.user);
+    Log(7, requestLog,
+        "Getting Access control filter for user: " + UpToNul(request.user) + ", ip: " + UpToNul(request.address) +
+            "\n");
+    record.push_back("Login brantor|" + request.user + "||$$$NO_GROUP$$$|$$$NO_GROUP$$$|" + request.address);
+    const testing::User* user = Find(world.users, request.user);
     if (user == nullptr) {
-        Say(6, "Security manager is not logged in - User does not exist, no access control will be applied\n");
+        Log(6, requestLog,
+            "Security manager is not logged in - User does not exist, no access control will be applied\n");
         return settings.standard;
     }
-    Say(7, "GetAccessControlFilter - IN\n");
+    Log(7, requestLog, "GetAccessControlFilter - IN\n");
     const std::string filter = Compose(request, *user, false);
-    journal.push_back("logout");
+    record.push_back("Logout");
     return filter;
 }
 
 std::string FilterModel::FilterOfOwnLogin(const Request& request)
 {
-    Say(7, "GetAccessControlFilter - IN\n");
+    Log(7, requestLog, "GetAccessControlFilter - IN\n");
     if (!request.hasInterface) {
-        Say(3, "secmInterface is null - returning\n");
+        Log(3, requestLog, "secmInterface is null - returning\n");
         return settings.hideAll;
     }
-    const User* user = world.FindUser(request.user);
-    return Compose(request, user != nullptr ? *user : User(), false);
+    const testing::User* user = Find(world.users, request.user);
+    return Compose(request, user != nullptr ? *user : testing::User(), false);
 }
 
 std::string FilterModel::FilterByName(const Request& request)
 {
-    Say(7, "GetAccessControlFilter - IN\n");
+    Log(7, requestLog, "GetAccessControlFilter - IN\n");
     if (!hasAdministration) {
-        Say(3, "Security manager admin is not initialized\n");
+        Log(3, requestLog, "Security manager admin is not initialized\n");
         return settings.hideAll;
     }
-    const User* user = world.FindUser(request.user);
+    const testing::User* user = Find(world.users, UpToNul(request.user));
     if (user == nullptr || request.missingDetails == 1) {
-        Say(6, "Couldn't get user details for userName: '" + UpToNul(request.user) + "'\n");
+        Log(6, requestLog, "Couldn't get user details for userName: '" + UpToNul(request.user) + "'\n");
         return settings.standard;
     }
-    Say(7, "Getting filters for user: " + UpToNul(request.user) + ", group: " + user->group + " ");
+    Log(7, requestLog, "Getting filters for user: " + UpToNul(request.user) + ", group: " + user->group + " ");
     if (!request.hasList) {
-        Say(3,
+        Log(3, requestLog,
             "Couldn't get permission list for user '" + UpToNul(request.user) + "' and group '" + user->group + "'\n");
         return settings.hideAll;
     }
-    const std::string filter = Compose(request, *user, true);
-    journal.push_back("delete permission list");
-    return filter;
+    return Compose(request, *user, true);
 }
 
-std::string FilterModel::Compose(const Request& request, const User& user, bool isByName)
+std::string FilterModel::Compose(const Request& request, const testing::User& user, bool isByName)
 {
     unsigned resourceQueries = 0;
     unsigned detailQueries = 0;
-    // By name, they were asked for once.
+    // A request by name asks for the details once, before it composes.
     const auto hasDetails = [&] { return isByName || ++detailQueries != request.missingDetails; };
 
     std::string filter;
     bool isFirstClause = true;
     for (const Field& field : fields) {
-        if (ListHolds(user.grants, {field.permission, field.bits, std::nullopt, true})) {
+        if (ListHolds(user.permissions, {field.permission.c_str(), field.bits, nullptr, true})) {
             continue;
         }
         if (!isByName && ++resourceQueries == request.failedResources) {
-            Say(3, "Couldn't get resources for user for permission name: '" + field.permission + "'\n");
+            Log(3, requestLog, "Couldn't get resources for user for permission name: '" + field.permission + "'\n");
             return settings.hideAll;
         }
         Texts values;
-        for (std::string value : ListResources(user.grants, field.permission, field.bits)) {
+        for (std::string value : ListResources(user.permissions, field.permission, field.bits)) {
             if (!hasDetails()) {
-                Say(3, "userDetails are null");
+                Log(3, valueLog, "userDetails are null");
             } else if (value == "%my%" && !field.myField.empty()) {
                 const std::string* attribute = Attribute(user, field.myField);
                 value = attribute != nullptr ? *attribute : "";
@@ -317,13 +192,13 @@ std::string FilterModel::Compose(const Request& request, const User& user, bool 
             }
         }
         if (values.empty()) {
-            Say(7, "No values were found for the permission: '" + field.permission + "'\n");
+            Log(7, requestLog, "No values were found for the permission: '" + field.permission + "'\n");
             return settings.hideAll;
         }
         Texts texts;
         for (const Condition& condition : field.conditions) {
             if (!hasDetails()) {
-                Say(3, "userDetails are null - returning empty string");
+                Log(3, conditionLog, "userDetails are null - returning empty string");
                 continue;
             }
             const std::string text = Fill(condition, values, user);
@@ -344,36 +219,39 @@ std::string FilterModel::Compose(const Request& request, const User& user, bool 
         filter = isFirstClause ? clause : filter + settings.fieldDelimiter + clause;
         isFirstClause = false;
     }
-    Say(7, "GetAccessControlFilter - OUT. Filter: " + UpToNul(filter) + "\n");
+    Log(7, requestLog, "GetAccessControlFilter - OUT. Filter: " + UpToNul(filter) + "\n");
     return filter;
 }
 
-// The first grant of the same name and resource decides.
-bool FilterModel::ListHolds(const std::vector<Grant>& grants, const Grant& sought) const
+// The first permission of the same name and resource decides.
+bool FilterModel::ListHolds(const std::vector<PermissionBase>& permissions, const PermissionBase& sought) const
 {
-    for (const Grant& grant : grants) {
-        if (grant.name == sought.name && grant.resource == sought.resource) {
-            return (sought.value & ~grant.value) == 0 && (sought.isConditional || !grant.isConditional);
+    const std::string name = sought.name();
+    for (const PermissionBase& held : permissions) {
+        if (held.name() == name && ResourceOf(held) == ResourceOf(sought)) {
+            return (sought.value() & ~held.value()) == 0 && (sought.IsConditional() || !held.IsConditional());
         }
     }
-    if (!sought.resource || sought.resource == "default") {
+    if (!ResourceOf(sought) || ResourceOf(sought) == "default") {
         return false;
     }
-    return ListHolds(grants, {sought.name, sought.value, "default", sought.isConditional});
+    return ListHolds(permissions, {sought.name(), sought.value(), "default", sought.IsConditional()});
 }
 
-Texts FilterModel::ListResources(const std::vector<Grant>& grants, const std::string& name, std::uint32_t bits) const
+Texts FilterModel::ListResources(const std::vector<PermissionBase>& permissions, const std::string& name,
+                                 std::uint32_t bits) const
 {
     Texts found;
-    for (const Grant& grant : grants) {
-        if (grant.name == name && (bits & ~grant.value) == 0 && grant.resource) {
-            found.push_back(*grant.resource);
+    for (const PermissionBase& held : permissions) {
+        if (held.name() == name && (bits & ~held.value()) == 0 && ResourceOf(held)) {
+            found.push_back(*ResourceOf(held));
         }
     }
     return found;
 }
 
-std::optional<std::string> FilterModel::FilledCondition(std::size_t n, const Texts& values, const User& user) const
+std::optional<std::string> FilterModel::FilledCondition(std::size_t n, const Texts& values,
+                                                        const testing::User& user) const
 {
     for (const Field& field : fields) {
         if (n < field.conditions.size()) {
@@ -393,7 +271,7 @@ std::string FilterModel::Map(const Condition& condition, const std::string& valu
     return found != condition.table.end() ? found->second : condition.unknown;
 }
 
-std::string FilterModel::Fill(const Condition& condition, const Texts& values, const User& user) const
+std::string FilterModel::Fill(const Condition& condition, const Texts& values, const testing::User& user) const
 {
     std::string text = condition.text;
     if (values.size() != 1) {
@@ -424,3 +302,5 @@ std::string FilterModel::Fill(const Condition& condition, const Texts& values, c
     ReplaceFirst(text, "%equal_operator%", settings.singleOperator);
     return text;
 }
+
+} // namespace secm::fuzzing

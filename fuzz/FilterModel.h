@@ -1,8 +1,16 @@
-// The module once more, as plainly as it can be said: it reads the case instead of asking for it, copies texts freely,
-// and decides everything in one place. Slow, and easy to compare with the documents.
+// A second, plain implementation of the module, to compare answers with. It reads the case directly, copies texts
+// freely and is slow. It shares no code with the module.
 #pragma once
 
 #include "fuzz/FilterCase.h"
+
+namespace secm::fuzzing {
+
+/// Texts of C interfaces end at their first NUL.
+inline std::string UpToNul(const std::string& text)
+{
+    return text.substr(0, text.find('\0'));
+}
 
 class FilterModel {
 public:
@@ -13,17 +21,17 @@ public:
     std::string Filter(const Request& request);
     const std::string& ListDelimiter() const { return settings.listDelimiter; }
 
-    /// The steps by themselves.
+    /// Single steps.
     std::vector<std::string> Split(const std::string& list) const;
-    bool ListHolds(const std::vector<Grant>& grants, const Grant& sought) const;
-    std::vector<std::string> ListResources(const std::vector<Grant>& grants, const std::string& name,
+    bool ListHolds(const std::vector<PermissionBase>& permissions, const PermissionBase& sought) const;
+    std::vector<std::string> ListResources(const std::vector<PermissionBase>& permissions, const std::string& name,
                                            std::uint32_t bits) const;
-    /// Of the n-th condition of all, counted from 0; none when there are not as many.
+    /// The n-th condition of all definitions, counted from 0; none when there are fewer.
     std::optional<std::string> FilledCondition(std::size_t n, const std::vector<std::string>& values,
-                                               const User& user) const;
+                                               const testing::User& user) const;
 
-    /// What went outside, in order: messages that are wanted, log-ins and log-outs, releases.
-    std::vector<std::string> journal;
+    /// The expected record of calls: messages that the log level lets through, log-ins, log-outs and releases.
+    std::vector<std::string> record;
 
 private:
     struct Settings {
@@ -46,7 +54,7 @@ private:
         std::vector<Condition> conditions;
     };
 
-    void Say(int level, const std::string& message);
+    void Log(int level, const std::string& function, const std::string& message);
     std::string WholeValue(const std::string& path) const;
     std::string Value(const std::string& path) const;
     std::vector<std::string> Names(const std::string& path) const;
@@ -58,9 +66,10 @@ private:
     std::string FilterByLogin(const Request& request);
     std::string FilterOfOwnLogin(const Request& request);
     std::string FilterByName(const Request& request);
-    std::string Compose(const Request& request, const User& user, bool isByName);
+    std::string Compose(const Request& request, const testing::User& user, bool isByName);
     std::string Map(const Condition& condition, const std::string& value) const;
-    std::string Fill(const Condition& condition, const std::vector<std::string>& values, const User& user) const;
+    std::string Fill(const Condition& condition, const std::vector<std::string>& values,
+                     const testing::User& user) const;
 
     const Case& world;
     Settings settings;
@@ -68,3 +77,5 @@ private:
     bool hasSecurityManager = false;
     bool hasAdministration = false;
 };
+
+} // namespace secm::fuzzing

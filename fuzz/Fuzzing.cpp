@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+namespace secm::fuzzing {
+
 std::string Shown(std::string_view bytes)
 {
     constexpr std::string_view digits = "0123456789abcdef";
@@ -27,3 +29,5 @@ void Fail(const std::string& what)
     std::fprintf(stderr, "\nFAULT FOUND: %s\n", what.c_str());
     std::abort();
 }
+
+} // namespace secm::fuzzing

@@ -1,4 +1,4 @@
-// What every fuzzer does alike.
+// What all fuzzers share.
 #pragma once
 
 #include <cstddef>
@@ -8,13 +8,17 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
+namespace secm::fuzzing {
+
 inline std::string_view Bytes(const std::uint8_t* data, std::size_t size)
 {
     return {reinterpret_cast<const char*>(data), size};
 }
 
-/// `bytes` on one line, for a person to read: between quotes, a backslash doubled, what is not printable as \xNN.
+/// `bytes` on one line, to be read: in quotes, with \\ for a backslash and \xNN for what cannot be printed.
 std::string Shown(std::string_view bytes);
 
-/// Ends the process, saying what was found, so that the fuzzer keeps the input.
+/// Prints what was found and aborts, so that the fuzzer keeps the input.
 [[noreturn]] void Fail(const std::string& what);
+
+} // namespace secm::fuzzing

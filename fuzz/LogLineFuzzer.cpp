@@ -1,5 +1,5 @@
-// Whatever a message and its origin hold, the log gets one line, and that line can be read back. A level that is not
-// wanted leaves nothing.
+// Logs any bytes as a message with any origin: the log gets one line that can be read back, or nothing when the level
+// is not logged.
 #include "fuzz/Fuzzing.h"
 #include "platform/logging/Tmr_LogFile.h"
 
@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+
+using namespace secm::fuzzing;
 
 namespace {
 
@@ -44,7 +46,7 @@ bool IsTime(const std::string& text)
     });
 }
 
-// Fails at whatever the log never writes.
+// Undoes the escapes. Fails at bytes that the log must never write.
 std::string ReadBack(const std::string& line)
 {
     const std::string digits = "0123456789abcdef";

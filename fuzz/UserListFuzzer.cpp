@@ -1,11 +1,13 @@
-// The command line's list of users, against a second reading of it that looks at one byte after the other. An input
-// that begins with "!" is a list that breaks off after its last byte, as on a broken disk.
+// Reads any bytes as the command line's list of users and compares with a second, byte-wise implementation. An input
+// that begins with "!" is a list whose reading fails after the last byte, as on a broken disk.
 #include "fuzz/Fuzzing.h"
 #include "tools/acfilter/io/UserList.h"
 
 #include <stdexcept>
 #include <streambuf>
 #include <vector>
+
+using namespace secm::fuzzing;
 
 namespace {
 
@@ -52,7 +54,7 @@ Reading Read(const std::string& content, bool breaksOff)
     } catch (const std::runtime_error& error) {
         reading.error = error.what();
         if (reading.error.starts_with(unreadable)) {
-            reading.error = unreadable; // why depends on the system
+            reading.error = unreadable; // the reason depends on the system
         }
     }
     return reading;
