@@ -9,6 +9,8 @@
 #include <fstream>
 #include <stdexcept>
 
+namespace secm::bench {
+
 ConfigurationFile::ConfigurationFile(const std::string& content)
     : path(std::filesystem::temp_directory_path() / ("filter_bench-" + std::to_string(getpid()) + ".toml"))
 {
@@ -30,3 +32,5 @@ void Configure(const std::string& content)
     const ConfigurationFile file(content);
     CFG_Factory::Reload();
 }
+
+} // namespace secm::bench

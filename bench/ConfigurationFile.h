@@ -1,9 +1,11 @@
-// A configuration of a benchmark's own.
+// The configuration of a benchmark.
 #pragma once
 
 #include <string>
 
-/// The file that CFG_REPOSITORY names, while this lives; one at a time.
+namespace secm::bench {
+
+/// A temporary file that CFG_REPOSITORY names while this object lives. One object at a time.
 class ConfigurationFile {
 public:
     explicit ConfigurationFile(const std::string& content);
@@ -17,3 +19,5 @@ private:
 
 /// Makes `content` the configuration in force. Not from two threads at once.
 void Configure(const std::string& content);
+
+} // namespace secm::bench

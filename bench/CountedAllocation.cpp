@@ -6,16 +6,32 @@
 #include <cstdlib>
 #include <new>
 
+namespace secm::bench {
+
 namespace {
 
-// Of one thread each: a shared counter would slow down what it counts.
+// Per thread: a shared counter would slow down what it counts.
 thread_local AllocationCount all;
 thread_local AllocationCount securityManagers;
 
-// Only while it is watched, for asking the allocator takes time.
+// Counted only while a PeakWatch lives, because asking the allocator takes time.
 thread_local bool isHeldWatched = false;
-thread_local std::ptrdiff_t held = 0; // below zero when more is freed than was allocated since the beginning
+thread_local std::ptrdiff_t held = 0; // negative when more was freed than allocated since then
 thread_local std::ptrdiff_t mostHeld = 0;
+
+void CountAllocation(std::size_t size)
+{
+    ++all.allocations;
+    all.bytes += size;
+}
+
+void CountHeld(void* memory)
+{
+    if (isHeldWatched) {
+        held += static_cast<std::ptrdiff_t>(malloc_usable_size(memory));
+        mostHeld = std::max(mostHeld, held);
+    }
+}
 
 void Free(void* memory)
 {
@@ -62,27 +78,25 @@ std::size_t PeakWatch::Bytes() const
     return static_cast<std::size_t>(mostHeld);
 }
 
+} // namespace secm::bench
+
 void* operator new(std::size_t size)
 {
-    ++all.allocations;
-    all.bytes += size;
+    secm::bench::CountAllocation(size);
     void* memory = std::malloc(size != 0 ? size : 1);
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
-    if (isHeldWatched) {
-        held += static_cast<std::ptrdiff_t>(malloc_usable_size(memory));
-        mostHeld = std::max(mostHeld, held);
-    }
+    secm::bench::CountHeld(memory);
     return memory;
 }
 
 void operator delete(void* memory) noexcept
 {
-    Free(memory);
+    secm::bench::Free(memory);
 }
 
 void operator delete(void* memory, std::size_t /*size*/) noexcept
 {
-    Free(memory);
+    secm::bench::Free(memory);
 }

@@ -1,8 +1,10 @@
-// Every allocation by operator new is counted, those that the security manager makes once more, and on demand how much
-// is held at once. Each thread has counts of its own.
+// Counts every allocation by operator new, those of the security manager also separately, and on demand the peak of
+// held memory. Each thread has its own counts.
 #pragma once
 
 #include <cstddef>
+
+namespace secm::bench {
 
 struct AllocationCount {
     std::size_t allocations = 0;
@@ -12,7 +14,7 @@ struct AllocationCount {
 AllocationCount AllAllocations();
 AllocationCount AllocationsOfTheSecurityManager();
 
-/// What is allocated while it lives is the security manager's.
+/// While it lives, its thread's allocations count as the security manager's.
 class SecurityManagerAllocates {
 public:
     SecurityManagerAllocates();
@@ -24,7 +26,7 @@ private:
     AllocationCount before;
 };
 
-/// Watches how much its thread holds, while it lives; one at a time.
+/// Measures how much memory its thread holds. One at a time in a thread.
 class PeakWatch {
 public:
     PeakWatch();
@@ -32,6 +34,8 @@ public:
     PeakWatch(const PeakWatch&) = delete;
     PeakWatch& operator=(const PeakWatch&) = delete;
 
-    /// The most bytes that were held at once, beyond those at the beginning, as the allocator rounds them up.
+    /// The most bytes held at once since the construction, as the allocator rounds them up.
     std::size_t Bytes() const;
 };
+
+} // namespace secm::bench

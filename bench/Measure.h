@@ -1,4 +1,4 @@
-// How every benchmark is run, so that all of them tell the same figures.
+// Runs every benchmark in the same way, so that all report the same counters.
 #pragma once
 
 #include "bench/CountedAllocation.h"
@@ -9,13 +9,15 @@
 #include <string>
 #include <type_traits>
 
-/// Times `operation`, the destruction of its result included. Counters, each of one operation: "allocations" and their
-/// "bytes", the "allocations of the security manager" among them where it is in memory, and "peak", the most bytes that
-/// it held at once, and "result", the bytes of a text that it gives.
+namespace secm::bench {
+
+/// Times `operation` together with the destruction of its result. Counters, each for one operation: "allocations" and
+/// their "bytes"; "allocations of the security manager", when that is in memory; "peak", the most bytes held at once;
+/// "result", the length of a text result in bytes.
 template <class Operation>
 void Measure(benchmark::State& state, Operation operation)
 {
-    const auto first = operation(); // what is set up by a first call is not what a call costs
+    const auto first = operation(); // not measured: it sets things up
     if constexpr (std::is_same_v<decltype(first), const std::string>) {
         state.counters["result"] = static_cast<double>(first.size());
     }
@@ -41,10 +43,12 @@ void Measure(benchmark::State& state, Operation operation)
         average(afterOfSecurity.allocations - beforeOfSecurity.allocations);
 }
 
-/// As NAME/WORKLOAD.
+/// Names the benchmark NAME/WORKLOAD.
 inline benchmark::internal::Benchmark*
 Register(const std::string& name, void (*body)(benchmark::State&, const Workload&), const Workload& workload)
 {
     return benchmark::RegisterBenchmark((name + "/" + workload.name).c_str(),
                                         [body, workload](benchmark::State& state) { body(state, workload); });
 }
+
+} // namespace secm::bench

@@ -5,9 +5,11 @@
 #include <fstream>
 #include <stdexcept>
 
+namespace secm::bench {
+
 namespace {
 
-// The sample's file up to its first row.
+// The sample's CREATE TABLE statements.
 std::string Tables()
 {
     std::ifstream file(SECM_BENCH_TABLES);
@@ -42,3 +44,5 @@ std::string SecuritySql()
     }
     return sql;
 }
+
+} // namespace secm::bench

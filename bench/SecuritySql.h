@@ -1,7 +1,12 @@
-// The users of all workloads as SQL, for a database to be measured on.
+// The users of all workloads as SQL, for the database of a benchmark.
 #pragma once
 
 #include <string>
 
-/// The tables of the sample, and in them one user for each workload, of its name. Runs on SQLite and on PostgreSQL.
+namespace secm::bench {
+
+/// Creates the sample's tables with one user for each workload, of the workload's name. Runs on SQLite and on
+/// PostgreSQL.
 std::string SecuritySql();
+
+} // namespace secm::bench

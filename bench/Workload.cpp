@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+namespace secm::bench {
+
 namespace {
 
 template <class... Arguments>
@@ -27,7 +29,7 @@ std::string MappedValue(const Workload& workload, int index)
     return Formatted(workload.kind == ValueKind::siteIssuer ? "ISSU%04d" : "code%04d", index);
 }
 
-// What the values functions of the workload look up: a name for each value.
+// The table of the workload's values function: a name for each value.
 std::string TableOf(const Workload& workload)
 {
     std::string table;
@@ -100,3 +102,5 @@ std::vector<PermissionBase> PermissionsOf(const Workload& workload)
     }
     return permissions;
 }
+
+} // namespace secm::bench

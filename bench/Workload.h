@@ -1,10 +1,12 @@
-// What is measured: field definitions, and one user who holds none of their permissions outright.
+// What is measured: field definitions and one user, who holds the fields' permissions for some resources.
 #pragma once
 
 #include "platform/security_manager/PermissionBase.h"
 
 #include <string>
 #include <vector>
+
+namespace secm::bench {
 
 enum class ValueKind { plain, siteIssuer, codeName, own };
 
@@ -36,5 +38,7 @@ std::string ConfigurationOf(const Workload& workload);
 std::string LastValueOf(const Workload& workload);
 std::string LastMappedValueOf(const Workload& workload);
 
-/// Field 2, 4, 6 ... for one resource, the others for all.
+/// The user has one resource for each of the fields 2, 4, 6 ... and all resources for the others.
 std::vector<PermissionBase> PermissionsOf(const Workload& workload);
+
+} // namespace secm::bench

@@ -1,10 +1,12 @@
-// A filter from permissions in memory, beside the least that could make such a text: appending its pieces.
+// Composing a filter from permissions in memory, compared with only appending the pieces of its text.
 #include "bench/BenchManager.h"
 #include "bench/Measure.h"
 
 #include <algorithm>
 #include <string_view>
 #include <vector>
+
+namespace secm::bench {
 
 namespace {
 
@@ -72,3 +74,5 @@ const bool registered = [] {
 }();
 
 } // namespace
+
+} // namespace secm::bench

@@ -1,4 +1,4 @@
-// A configuration read again and a manager made of it, beside the TOML library's parse of the same file.
+// Reading a configuration again and making a manager, compared with the TOML library's parse of the same file.
 #include "SECM_AccessControl/SECM_AccessControlManager.h"
 #include "bench/ConfigurationFile.h"
 #include "bench/Measure.h"
@@ -8,6 +8,8 @@
 
 #include <memory>
 #include <stdexcept>
+
+namespace secm::bench {
 
 namespace {
 
@@ -22,7 +24,7 @@ class CreatedManager : public SECM_AccessControlManager {
 public:
     CreatedManager() : SECM_AccessControlManager(workloadRepository) {}
 
-    // What was left out of the configuration would have cost nothing.
+    // A definition that is left out would make the benchmark too fast.
     bool IsWhole(const Workload& workload)
     {
         if (fieldDefinitions.size() != static_cast<std::size_t>(workload.fields)) {
@@ -67,3 +69,5 @@ const bool registered = [] {
 }();
 
 } // namespace
+
+} // namespace secm::bench

@@ -1,4 +1,5 @@
-// Runs the benchmarks; with --security_sql prints instead what a database must hold for those of requests.
+// Runs the benchmarks. With --security_sql, prints the SQL that fills a database for the benchmarks of requests
+// instead.
 #include "bench/SecuritySql.h"
 
 #include <benchmark/benchmark.h>
@@ -11,7 +12,7 @@
 int main(int argc, char** argv)
 try {
     if (argc == 2 && std::string_view(argv[1]) == "--security_sql") {
-        std::cout << SecuritySql() << std::flush;
+        std::cout << secm::bench::SecuritySql() << std::flush;
         return std::cout.good() ? 0 : 1;
     }
     benchmark::Initialize(&argc, argv);

@@ -1,4 +1,4 @@
-// The whole public request on a real database, beside the same statement on it by the database's own interface.
+// A whole public request on a real database, compared with its statements made by the database's own interface.
 #include "bench/BenchManager.h"
 #include "bench/ConfigurationFile.h"
 #include "bench/Measure.h"
@@ -14,6 +14,8 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+namespace secm::bench {
 
 namespace {
 
@@ -36,7 +38,7 @@ Connection Opened(const std::string& path, int flags)
     return connection;
 }
 
-// With the users of all workloads, as long as the process lives.
+// Holds the users of all workloads. Removed when the process ends.
 class DatabaseFile {
 public:
     static const DatabaseFile& Instance()
@@ -59,7 +61,7 @@ public:
 private:
     DatabaseFile()
     {
-        std::filesystem::remove(path); // left by a process that had this one's number and was killed
+        std::filesystem::remove(path); // left by a killed process with the same number
         const Connection connection = Opened(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
         const std::string sql = "BEGIN;" + SecuritySql() + "COMMIT;";
         Require(sqlite3_exec(connection.get(), sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK, connection.get());
@@ -71,8 +73,8 @@ std::string SQLiteConnection()
     return "sqlite3://db=" + DatabaseFile::Instance().path;
 }
 
-// The manager of a workload, which must answer as one with the same user in memory. Made once: its connections to the
-// database stay open as long as the process lives.
+// The manager of a workload. Throws unless it answers as a manager with the same user in memory. Made once: its
+// connections stay open until the process ends.
 SECM_AccessControlInterface& ConnectedManager(const Workload& workload, const std::string& connectionText)
 {
     static std::map<std::string, std::unique_ptr<SECM_AccessControlInterface>> managers;
@@ -95,7 +97,7 @@ SECM_AccessControlInterface& ConnectedManager(const Workload& workload, const st
     return *manager;
 }
 
-// Whatever of the process opens a connection to SQLite.
+// All connections that the process opens to SQLite.
 std::vector<sqlite3*>& OpenedConnections()
 {
     static std::vector<sqlite3*> connections;
@@ -115,7 +117,7 @@ int NoteStatement(unsigned /*event*/, void* statements, void* statement, void* /
     return 0;
 }
 
-// Seen from the database, so that it is compared with what is really asked, whatever that becomes.
+// Taken from SQLite, so that the benchmark compares with the statements that a request really makes.
 std::vector<std::string> StatementsOfARequest()
 {
     const auto note = reinterpret_cast<void (*)()>(&NoteConnection);
@@ -144,7 +146,7 @@ std::size_t LengthOf(sqlite3_stmt* statement, int column)
     return static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
 }
 
-// A vector for each column. A null is an empty text.
+// One vector for each column. NULL is an empty text.
 using Columns = std::vector<std::vector<std::string>>;
 
 void AppendRows(Columns& columns, sqlite3_stmt* statement, const std::string& user)
@@ -173,7 +175,7 @@ void RequestSQLite(benchmark::State& state, const Workload& workload)
     const std::string address = workloadAddress;
     const auto request = [&] { return accessControl.GetAccessControlFilter(user, address); };
     Measure(state, request);
-    // SQLite does not allocate by operator new.
+    // SQLite's own memory, which operator new does not see.
     sqlite3_memory_highwater(1);
     const sqlite3_int64 before = sqlite3_memory_used();
     request();
@@ -226,3 +228,5 @@ const bool registered = [] {
 }();
 
 } // namespace
+
+} // namespace secm::bench

@@ -1,4 +1,4 @@
-// Does one thing very often, and shows whether memory and descriptors stay what they were.
+// Repeats one operation many times and prints whether memory and open descriptors grow.
 // Usage: soak requests|managers|reloads COUNT REPOSITORY CONNECTION USER...
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
@@ -39,7 +39,7 @@ long ResidentKilobytes()
 long OpenDescriptors()
 {
     const std::filesystem::directory_iterator descriptors("/proc/self/fd");
-    return std::distance(begin(descriptors), end(descriptors)) - 1; // less the one that looks
+    return std::distance(begin(descriptors), end(descriptors)) - 1; // without the iterator's own
 }
 
 void Repeat(long count, const std::function<void(long)>& step)
@@ -63,7 +63,7 @@ void Repeat(long count, const std::function<void(long)>& step)
     std::printf("peak: %ld kB\n", usage.ru_maxrss);
 }
 
-// Every answer must be what it was the first time.
+// Throws when an answer differs from the first one for the same user.
 void SoakRequests(long count, const std::string& repository, const char* connection,
                   const std::vector<std::string>& users)
 {

@@ -1,9 +1,11 @@
-// Requests at the same time, each thread with a manager of its own.
+// Concurrent requests. Each thread has its own manager.
 #include "bench/BenchManager.h"
 #include "bench/Measure.h"
 
 #include <mutex>
 #include <optional>
+
+namespace secm::bench {
 
 namespace {
 
@@ -33,3 +35,5 @@ const bool registered = [] {
 }();
 
 } // namespace
+
+} // namespace secm::bench
