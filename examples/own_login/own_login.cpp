@@ -1,6 +1,6 @@
-// A host that has logged its users in already: it shows the module a session of its own as a security manager, and asks
-// for the filter of whoever is in it. Neither a connection nor a security database is needed.
-// Usage: own_login REPOSITORY DEPARTMENT...
+// A host that has logged its users in itself: it passes its session to the module as a security manager and asks for
+// the session's filter. This needs neither a connection nor a security database. Usage: own_login REPOSITORY
+// DEPARTMENT...
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
 #include "platform/security_manager/PermissionBase.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
@@ -13,12 +13,12 @@
 
 namespace {
 
-// The user of one session: held to departments, and to nothing else.
+// The user of one session, who is restricted to departments.
 class Session : public SecurityManagerInterface, public UserDetailsInterface {
 public:
     explicit Session(std::vector<std::string> ownDepartments) : departments(std::move(ownDepartments)) {}
 
-    // The module asks these only of a security manager that it connected itself.
+    // The module calls these only on a security manager that it connected itself.
     bool Initialize(const char*, unsigned, const char*, SECM_CallBackInterface*, bool) override { return false; }
     bool Login(SECM_CallBackInterface*, bool) override { return false; }
     bool IsLoggedIn(const char*) override { return false; }
@@ -29,7 +29,7 @@ public:
     bool GetResources(const std::string& name, unsigned /*value*/, std::vector<std::string>& resources) override
     {
         if (name != restricted) {
-            return false; // cannot be told: nothing is shown
+            return false; // unknown: the module then hides everything
         }
         resources.insert(resources.end(), departments.begin(), departments.end());
         return true;
@@ -57,7 +57,7 @@ try {
     const std::unique_ptr<SecurityManagerInterface> session =
         std::make_unique<Session>(std::vector<std::string>(argv + 2, argv + argc));
     std::cout << accessControl->GetAccessControlFilter(session.get()) << "\n";
-    return dynamic_cast<Session*>(session.get()) != nullptr ? 0 : 1; // its run-time type is known across libraries
+    return dynamic_cast<Session*>(session.get()) != nullptr ? 0 : 1; // run-time type information works across libraries
 } catch (const std::exception& error) {
     std::cerr << "own_login: " << error.what() << "\n";
     return 1;

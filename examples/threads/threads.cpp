@@ -1,6 +1,5 @@
-// Serves requests from several threads, and takes over a changed configuration while they run. Prints every filter that
-// each user was given: one, as long as neither the configuration nor the permissions change.
-// Usage: threads REPOSITORY CONNECTION THREADS USER...
+// Serves requests from several threads and reloads the configuration meanwhile. Prints each user's filters: one, as
+// long as neither the configuration nor the permissions change. Usage: threads REPOSITORY CONNECTION THREADS USER...
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
 
@@ -29,10 +28,10 @@ std::unique_ptr<SECM_AccessControlInterface> Connected(std::string repository, c
     return made;
 }
 
-// The configuration is not read again while an object is being made of it. Requests need no lock.
+// No reload while an object is being made. Requests need no lock.
 std::shared_mutex configurationInUse;
 
-// One thread's requests: a manager of its own, and a new one when the configuration has changed.
+// Serves one thread's requests with a manager of its own, and makes a new one when the configuration has changed.
 class Worker {
 public:
     Worker(const char* repositoryName, const char* connectionText, const std::atomic<unsigned>& configurationVersion)
@@ -44,7 +43,7 @@ public:
     {
         if (const unsigned current = version; !manager || current != usedVersion) {
             const std::shared_lock<std::shared_mutex> lock(configurationInUse);
-            manager = Connected(repository, connection); // throws: the old one serves no more, and nothing is shown
+            manager = Connected(repository, connection); // when it throws, show nothing and do not use the old one
             usedVersion = current;
         }
         return manager->GetAccessControlFilter(user, "127.0.0.1");
@@ -90,7 +89,7 @@ try {
     for (int reloads = 0; reloads < 10; ++reloads) {
         {
             const std::unique_lock<std::shared_mutex> lock(configurationInUse);
-            CFG_Factory::Reload(); // throws, and leaves the old in force, when the new files are wrong
+            CFG_Factory::Reload(); // when the new files are wrong, throws and leaves the old ones in force
         }
         ++version;
         std::this_thread::yield();
