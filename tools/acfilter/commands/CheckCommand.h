@@ -1,15 +1,20 @@
+// `acfilter check`: what an administrator would regret about a configuration, and about what is granted.
 #pragma once
 
+#include "tools/acfilter/commands/CommonOptions.h"
 #include "tools/acfilter/commands/ExitStatus.h"
-
-namespace CLI {
-class App;
-}
 
 namespace secm::acfilter {
 
-/// Adds `acfilter check`, which prints what an administrator would regret about a configuration. It runs while `app` is
-/// parsed, sets `status` when there is an error in the configuration, and throws std::exception when it fails.
-void AddCheckCommand(CLI::App& app, ExitStatus& status);
+struct CheckOptions {
+    HostOptions host;
+    bool oneRepository = false; ///< Only `host.repository`; else all.
+    bool withSecurity = false;  ///< With what `host.securityDatabase` grants.
+    bool isStrict = false;      ///< Warnings count as errors for the exit status.
+    Format format = Format::text;
+};
+
+/// configurationIsWrong when there is an error. Throws std::exception when it fails.
+ExitStatus RunCheck(const CheckOptions& options);
 
 } // namespace secm::acfilter

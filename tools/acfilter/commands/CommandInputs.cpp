@@ -1,15 +1,18 @@
 #include "tools/acfilter/commands/CommandInputs.h"
 
+#include "tools/acfilter/commands/Log.h"
 #include "tools/acfilter/io/OutputPlace.h"
 
+#include <fmt/format.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
+#include <string>
+#include <system_error>
 #include <vector>
 
 namespace secm::acfilter {
@@ -44,7 +47,7 @@ bool IsAt(const OutputPlace& output, const fs::path& input)
     if (stat(input.c_str(), &found) == 0) {
         return output.old && IsSame(*output.old, found);
     }
-    const bool leadsSomewhere = errno == ENOENT; // and not in a circle
+    const bool leadsSomewhere = errno == ENOENT; // ELOOP: links that lead in a circle
     std::error_code none;
     if (leadsSomewhere && fs::is_symlink(input, none)) {
         return IsAt(output, input.parent_path() / fs::read_symlink(input, none));
@@ -52,18 +55,9 @@ bool IsAt(const OutputPlace& output, const fs::path& input)
     return input.filename() == output.name && IsFolder(output.folder, fs::absolute(input, none).parent_path());
 }
 
-std::vector<fs::path> FilesOfConfiguration(const std::string& configuration)
+std::vector<std::string> FilesOf(const CFG_Candidate* configuration, const HostOptions& host)
 {
-    if (!fs::is_directory(configuration)) {
-        return {configuration};
-    }
-    std::vector<fs::path> files;
-    for (const auto& item : fs::directory_iterator(configuration)) {
-        if (IsConfigurationFile(item.path())) {
-            files.push_back(item.path());
-        }
-    }
-    return files;
+    return configuration != nullptr ? configuration->Files() : std::vector<std::string>{host.configuration};
 }
 
 std::vector<fs::path> OpenFiles()
@@ -80,26 +74,28 @@ std::vector<fs::path> OpenFiles()
 
 } // namespace
 
-void RequireNoInput(const std::string& output, const HostOptions& host, const std::optional<std::string>& usersFrom)
+void RequireNoInput(const std::string& output, const HostOptions& host, const CFG_Candidate* configuration,
+                    const std::optional<std::string>& usersFrom)
 {
     const OutputPlace place = FindOutputPlace(output);
     const auto require = [&](const fs::path& input, const std::string& what) {
         if (IsAt(place, input)) {
-            throw std::runtime_error("--output '" + output + "' is " + what + " '" + input.string() +
-                                     "'; name another file");
+            throw std::runtime_error(
+                fmt::format("--output '{}' is {} '{}'; name another file", output, what, input.string()));
         }
     };
-    for (const fs::path& file : FilesOfConfiguration(host.configuration)) {
+    for (const std::string& file : FilesOf(configuration, host)) {
         require(file, "the configuration");
     }
     if (IsConfigurationFile(place.name) && IsFolder(place.folder, host.configuration)) {
-        throw std::runtime_error("--output '" + output + "' would be read as part of the configuration '" +
-                                 host.configuration + "'; name a file elsewhere, or not *.toml");
+        throw std::runtime_error(fmt::format("--output '{}' would be read as part of the configuration '{}'; name a "
+                                             "file elsewhere, or not *.toml",
+                                             output, host.configuration));
     }
     if (usersFrom && *usersFrom != "-") {
         require(*usersFrom, "the list of users");
     }
-    if (const char* log = std::getenv("TMR_LOG_FILE"); log != nullptr && *log != '\0') {
+    if (const std::string log = LogPath(host); !log.empty()) {
         require(log, "the log");
     }
     for (const fs::path& file : OpenFiles()) {

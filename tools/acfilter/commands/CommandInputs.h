@@ -1,7 +1,11 @@
 // Keeps the answer of a command from replacing files that the command reads or logs to.
 #pragma once
 
-#include "tools/acfilter/commands/HostOptions.h"
+#include "platform/configuration/CFG_Candidate.h"
+#include "tools/acfilter/commands/CommonOptions.h"
+
+#include <optional>
+#include <string>
 
 namespace secm::acfilter {
 
@@ -10,7 +14,9 @@ namespace secm::acfilter {
 /// - `usersFrom`, or the log;
 /// - any file that this process has open, such as standard output or the security database, or a file that SQLite keeps
 ///   beside it.
-/// Call it after connecting.
-void RequireNoInput(const std::string& output, const HostOptions& host, const std::optional<std::string>& usersFrom);
+/// `configuration` is what was read from the path that `host` names; null: the configuration library told nothing of
+/// it. Call it after connecting.
+void RequireNoInput(const std::string& output, const HostOptions& host, const CFG_Candidate* configuration,
+                    const std::optional<std::string>& usersFrom);
 
 } // namespace secm::acfilter

@@ -1,38 +1,36 @@
-// Both sides answer side by side, user by user. One configuration is in force at a time, so each side's manager is made
-// while its own is; what is made keeps it.
+// Asks both sides for one user after the other. Each side's tracer is made in the scope of the side's configuration and
+// keeps what it read.
 #include "tools/acfilter/commands/DiffCommand.h"
 
 #include "analysis/trace/Tracer.h"
-#include "platform/configuration/CFG_RepositoryServices.h"
-#include "tools/acfilter/cli/TextOption.h"
-#include "tools/acfilter/commands/RequestOptions.h"
+#include "tools/acfilter/commands/Configuration.h"
+#include "tools/acfilter/commands/Connection.h"
+#include "tools/acfilter/commands/Errors.h"
+#include "tools/acfilter/commands/FileOutput.h"
+#include "tools/acfilter/commands/ListedNames.h"
+#include "tools/acfilter/commands/Log.h"
 #include "tools/acfilter/commands/UserSource.h"
+#include "tools/acfilter/io/OutputFile.h"
 #include "tools/acfilter/io/Progress.h"
-#include "tools/acfilter/render/ComparisonWriter.h"
+#include "tools/acfilter/render/DiffWriter.h"
+
+#include <fmt/format.h>
 
 #include <memory>
 #include <set>
+#include <stdexcept>
+#include <utility>
 
 namespace secm::acfilter {
 
 namespace {
 
-struct DiffOptions {
-    HostOptions host;
-    RequestOptions request;
-    std::string toConfiguration;
-    std::optional<std::string> toSecurityDatabase;
-    std::optional<std::string> usersFrom;
-    std::vector<std::string> excluding;
-    bool isFull = false;
-    bool isStrict = false;
-};
-
 class Side {
 public:
-    /// The configuration in force is the side's own.
-    Side(const char* sideName, const HostOptions& host, const std::string& securityOption)
-        : name(sideName), tracer(host.repository)
+    /// The options are those that gave `host` its configuration and its database.
+    Side(std::string sideName, const HostOptions& host, const char* configurationOption,
+         const std::string& securityOption)
+        : name(std::move(sideName)), tracer(MakeTracer(host, configurationOption))
     {
         Connect(tracer, host, securityOption);
     }
@@ -49,6 +47,13 @@ public:
     const analysis::RepositoryRules& Rules() const { return tracer.Rules(); }
 
 private:
+    static analysis::Tracer MakeTracer(const HostOptions& host, const char* configurationOption)
+    {
+        const CFG_CandidateScope scope(ReadConfiguration(host.configuration, configurationOption));
+        RequireRepository(host.repository, host.configuration);
+        return analysis::Tracer(host.repository);
+    }
+
     std::string name;
     analysis::Tracer tracer;
 };
@@ -66,25 +71,6 @@ bool HasOtherDatabase(const DiffOptions& options)
     return HostAfter(options).securityDatabase != options.host.securityDatabase;
 }
 
-std::unique_ptr<Side> SideBefore(const DiffOptions& options)
-{
-    ApplyHostOptions(options.host);
-    RequireRepository(options.host);
-    return std::make_unique<Side>("before", options.host, "--security");
-}
-
-std::unique_ptr<Side> SideAfter(const DiffOptions& options)
-{
-    const HostOptions host = HostAfter(options);
-    if (host.configuration.empty()) {
-        throw std::runtime_error("no configuration: the path given to --to is empty");
-    }
-    ApplyHostOptions(host);
-    CFG_Factory::Reload();
-    RequireRepository(host);
-    return std::make_unique<Side>("after", host, options.toSecurityDatabase ? "--to-security" : "--security");
-}
-
 void RequireFields(const std::vector<std::string>& fields, const analysis::RepositoryRules& before,
                    const analysis::RepositoryRules& after)
 {
@@ -96,8 +82,8 @@ void RequireFields(const std::vector<std::string>& fields, const analysis::Repos
     }
     for (const std::string& field : fields) {
         if (known.count(field) == 0) {
-            throw std::runtime_error("neither configuration has a field '" + field +
-                                     "' for the repository; correct --excluding");
+            throw std::runtime_error(
+                fmt::format("neither configuration has a field '{}' for the repository; correct --excluding", field));
         }
     }
 }
@@ -114,7 +100,7 @@ bool IsUnknown(const analysis::Trace& trace)
     return trace.answer.outcome == analysis::Outcome::unknownUser;
 }
 
-// Looks for a user whose name differs only by the blanks around it.
+// Looks for a user whose name is the same without the blanks around it.
 UnknownUser UnknownUserOf(analysis::Request request, Side& before, Side& after)
 {
     const std::string name = std::exchange(request.userName, WithoutBlanksAround(request.userName));
@@ -123,110 +109,118 @@ UnknownUser UnknownUserOf(analysis::Request request, Side& before, Side& after)
     return {name, isKnown ? request.userName : ""};
 }
 
-// A comparison of nobody must not look like one in which nobody sees more.
-void RequireSomebody(const Comparison& comparison)
+// Otherwise a comparison of no users would end like one in which no user sees more.
+void RequireSomebody(const DiffSummary& summary)
 {
-    const std::string nobody = "nobody was compared: ";
-    if (comparison.CountOfAll() == 0) {
-        throw std::runtime_error(nobody + "neither security database holds a user; check the option --security");
+    constexpr const char* nobody = "nobody was compared: ";
+    if (summary.CountOfAll() == 0) {
+        throw std::runtime_error(
+            fmt::format("{}neither security database holds a user; check the option --security", nobody));
     }
-    if (comparison.CountOfAll() == comparison.UnknownCount()) {
-        throw std::runtime_error(nobody + "neither side knows any of the " + std::to_string(comparison.CountOfAll()) +
-                                 " users who were asked for; the first is '" + comparison.FirstUnknown().front().name +
-                                 "'; check the options --users-from and --security");
+    if (summary.CountOfAll() == summary.unknownCount) {
+        throw std::runtime_error(fmt::format("{}neither side knows any of the {} users who were asked for; the first "
+                                             "is '{}'; check the options --users-from and --security",
+                                             nobody, summary.CountOfAll(), summary.firstUnknown.front().name));
     }
 }
 
-// Everybody whom one of the two sides knows, once.
-template <class Compare>
-void ForEachUserOfBoth(const DiffOptions& options, Compare compare)
-{
-    const HostOptions& host = options.host;
-    ForEachUserOfDatabase(host.securityDatabase, host.timeoutSeconds,
-                          [&](const std::string& name) { compare(name, false); });
-    if (HasOtherDatabase(options)) {
-        ForEachUserOfDatabase(*options.toSecurityDatabase, host.timeoutSeconds,
-                              [&](const std::string& name) { compare(name, true); });
-    }
-}
-
-void CompareUsers(const DiffOptions& options, Comparison& comparison)
-{
-    const std::unique_ptr<Side> before = SideBefore(options);
-    const std::unique_ptr<Side> after = SideAfter(options);
-    RequireFields(options.excluding, before->Rules(), after->Rules());
-    const analysis::TraceComparison rules(before->Rules().settings, after->Rules().settings,
-                                          {options.excluding.begin(), options.excluding.end()});
-
-    for (const analysis::SettingChange& setting : rules.CompareSettings()) {
-        comparison.Add(setting);
+// The comparison of all users.
+class Diff {
+public:
+    Diff(const DiffOptions& diffOptions, DiffWriter& diffWriter)
+        : options(diffOptions), writer(diffWriter), before("before", options.host, "--config", "--security"),
+          after("after", HostAfter(options), "--to", options.toSecurityDatabase ? "--to-security" : "--security"),
+          rules(before.Rules().settings, after.Rules().settings, {options.excluding.begin(), options.excluding.end()})
+    {
+        RequireFields(options.excluding, before.Rules(), after.Rules());
     }
 
-    Progress progress(false);
-    const auto compare = [&](const std::string& name, bool onlyIfNew) {
-        const analysis::Request request{name, options.request.ipAddress, options.request.withoutLogin};
-        AskFor(name, [&] {
-            const analysis::Trace old = before->Explain(request);
-            if (onlyIfNew && !IsUnknown(old)) {
-                return;
-            }
-            const analysis::Trace now = after->Explain(request);
-            comparison.Add(rules.Compare(old, now));
-            if (IsUnknown(old) && IsUnknown(now)) {
-                comparison.AddUnknown(UnknownUserOf(request, *before, *after));
-            }
-            progress.CountOne();
+    void CompareSettings()
+    {
+        for (const analysis::SettingChange& setting : rules.CompareSettings()) {
+            writer.Add(setting);
+        }
+    }
+
+    void CompareUsers()
+    {
+        const auto compare = [this](const std::string& name) { AskFor(name, [&] { Compare(name); }); };
+        if (options.usersFrom) {
+            ForEachUserOfFile(*options.usersFrom, compare);
+        } else if (HasOtherDatabase(options)) {
+            CompareUsersOfBoth(compare);
+        } else {
+            ForEachUserOfDatabase(options.host, compare);
+        }
+    }
+
+private:
+    // Everybody whom one of the two databases knows, once.
+    void CompareUsersOfBoth(const UserHandler& compare)
+    {
+        ListedNames listedBefore;
+        ForEachUserOfDatabase(options.host, [&](const std::string& name) {
+            listedBefore.Add(name);
+            compare(name);
         });
-    };
-    if (options.usersFrom) {
-        ForEachUserOfFile(*options.usersFrom, [&](const std::string& name) { compare(name, false); });
-    } else {
-        ForEachUserOfBoth(options, compare);
+        ForEachUserOfDatabase(HostAfter(options), [&](const std::string& name) {
+            const std::optional<bool> isListed = listedBefore.Holds(name);
+            const bool isCompared =
+                isListed ? *isListed : AskFor(name, [&] { return !IsUnknown(before.Explain(RequestFor(name))); });
+            if (!isCompared) {
+                compare(name);
+            }
+        });
     }
-}
 
-void Diff(const DiffOptions& options, ExitStatus& status)
-{
-    RequireUsersFrom(options.usersFrom);
-    OutputFile output(std::nullopt);
-    Comparison comparison({options.host.repository, options.host.configuration, options.toConfiguration,
-                           HasOtherDatabase(options), options.excluding},
-                          options.request.format == "json", options.isFull);
-    CompareUsers(options, comparison);
-    comparison.WriteTo(output);
-    output.Finish();
-    RequireSomebody(comparison);
-    if (comparison.Holds(analysis::Change::wider) ||
-        (options.isStrict && comparison.Holds(analysis::Change::changed))) {
-        status = wider;
+    void Compare(const std::string& name)
+    {
+        const analysis::Request request = RequestFor(name);
+        const analysis::Trace old = before.Explain(request);
+        const analysis::Trace now = after.Explain(request);
+        writer.Add(rules.Compare(old, now));
+        if (IsUnknown(old) && IsUnknown(now)) {
+            writer.AddUnknown(UnknownUserOf(request, before, after));
+        }
+        progress.CountOne();
     }
-}
+
+    analysis::Request RequestFor(const std::string& name) const
+    {
+        return {name, options.request.ipAddress, options.request.withoutLogin};
+    }
+
+    const DiffOptions& options;
+    DiffWriter& writer;
+    Side before;
+    Side after;
+    analysis::TraceComparison rules;
+    Progress progress{false};
+};
 
 } // namespace
 
-void AddDiffCommand(CLI::App& app, ExitStatus& status)
+ExitStatus RunDiff(const DiffOptions& options)
 {
-    CLI::App* command =
-        app.add_subcommand("diff", "Tell who would see more or less under another configuration or other permissions");
-    auto options = std::make_shared<DiffOptions>();
-    AddHostOptions(*command, options->host);
-    AddOption(*command, "--to", options->toConfiguration, "The configuration to compare with")
-        ->type_name("PATH")
-        ->required();
-    AddOption(*command, "--to-security", options->toSecurityDatabase,
-              "The security database to compare with; else the same")
-        ->type_name("CONNECT");
-    AddRequestOptions(*command, options->request, "text: for people; json: one object a line, the summary first");
-    AddOption(*command, "--users-from", options->usersFrom,
-              "A file of user names, one a line; - for standard input; else every user of both security databases")
-        ->type_name("FILE");
-    AddOption(*command, "--excluding", options->excluding,
-              "A field whose values are left out of what is shown, so that more of them show less")
-        ->allow_extra_args(false)
-        ->type_name("FIELD");
-    command->add_flag("--full", options->isFull, "Show long lists and texts whole");
-    command->add_flag("--strict", options->isStrict, "Exit with 4 also when it cannot be told of somebody");
-    command->callback([options, &status] { Diff(*options, status); });
+    RequireUsersFrom(options.usersFrom);
+    OutputFile file(std::nullopt);
+    FileOutput output(file);
+    DiffWriter writer({options.host.repository, options.host.configuration, options.toConfiguration,
+                       HasOtherDatabase(options), options.excluding},
+                      output, options.request.format == Format::json, options.isFull);
+    StartLog(options.host);
+    { // removes the line of progress before the answer is written
+        Diff diff(options, writer);
+        diff.CompareSettings();
+        diff.CompareUsers();
+    }
+    writer.Finish();
+    file.Finish();
+    const DiffSummary& summary = writer.Summary();
+    RequireSomebody(summary);
+    const bool somebodyDoes =
+        summary.Holds(analysis::Change::wider) || (options.isStrict && summary.Holds(analysis::Change::changed));
+    return somebodyDoes ? ExitStatus::somebodySeesMore : ExitStatus::success;
 }
 
 } // namespace secm::acfilter

@@ -1,15 +1,27 @@
+// `acfilter diff`: who would see more or less under another configuration or other permissions.
 #pragma once
 
+#include "tools/acfilter/commands/CommonOptions.h"
 #include "tools/acfilter/commands/ExitStatus.h"
 
-namespace CLI {
-class App;
-}
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace secm::acfilter {
 
-/// Adds `acfilter diff`, which tells who would see more or less under another configuration or other permissions. It
-/// runs while `app` is parsed, sets `status` when somebody would see more, and throws std::exception when it fails.
-void AddDiffCommand(CLI::App& app, ExitStatus& status);
+struct DiffOptions {
+    HostOptions host;       ///< Of the side before.
+    RequestOptions request; ///< With the format text or json.
+    std::string toConfiguration;
+    std::optional<std::string> toSecurityDatabase; ///< Else that of the side before.
+    std::optional<std::string> usersFrom;          ///< Else every user of both security databases.
+    std::vector<std::string> excluding;            ///< Fields.
+    bool isFull = false;
+    bool isStrict = false; ///< somebodySeesMore also when it cannot be told of somebody.
+};
+
+/// somebodySeesMore when a user would. Throws UsageError, and std::exception when it fails.
+ExitStatus RunDiff(const DiffOptions& options);
 
 } // namespace secm::acfilter

@@ -3,6 +3,12 @@
 
 namespace secm::acfilter {
 
-enum ExitStatus : int { done = 0, failed = 1, wrongCommandLine = 2, configurationIsWrong = 3, wider = 4 };
+enum class ExitStatus : int {
+    success = 0,
+    failure = 1,
+    wrongCommandLine = 2,
+    configurationIsWrong = 3, ///< `check` found an error.
+    somebodySeesMore = 4      ///< `diff` found a user who does, or cannot tell and was asked to be strict.
+};
 
 } // namespace secm::acfilter

@@ -1,37 +1,28 @@
-// One manager and one connection serve all users, one after the other, so a list may be as long as it likes.
+// One manager and one connection serve all users, one after the other, so a list may be of any length.
 #include "tools/acfilter/commands/FilterCommand.h"
 
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
 #include "analysis/trace/Tracer.h"
-#include "tools/acfilter/cli/TextOption.h"
-#include "tools/acfilter/commands/RequestOptions.h"
+#include "tools/acfilter/commands/Configuration.h"
+#include "tools/acfilter/commands/Connection.h"
+#include "tools/acfilter/commands/Errors.h"
+#include "tools/acfilter/commands/Log.h"
 #include "tools/acfilter/commands/UserSource.h"
 #include "tools/acfilter/io/OutputFile.h"
 #include "tools/acfilter/io/Progress.h"
-#include "tools/acfilter/render/Json.h"
-
-#include <CLI/CLI.hpp>
+#include "tools/acfilter/render/Explanation.h"
 
 #include <functional>
 #include <memory>
-#include <string>
-#include <vector>
 
 namespace secm::acfilter {
 
 namespace {
 
-struct FilterOptions {
-    HostOptions host;
-    RequestOptions request;
-    std::vector<std::string> users;
-    std::string usersFrom;
-};
-
 void ForEachUser(const FilterOptions& options, const UserHandler& handle)
 {
-    if (!options.usersFrom.empty()) {
-        ForEachUserOfFile(options.usersFrom, handle);
+    if (options.usersFrom) {
+        ForEachUserOfFile(*options.usersFrom, handle);
     } else {
         for (const std::string& name : options.users) {
             handle(name);
@@ -39,20 +30,15 @@ void ForEachUser(const FilterOptions& options, const UserHandler& handle)
     }
 }
 
-std::string JsonFor(const std::string& userName, const analysis::Answer& answer)
-{
-    return JsonLine({{"user", userName}, {"filter", answer.filter}, {"outcome", NameOf(answer.outcome)}});
-}
-
 using LineFor = std::function<std::string(const analysis::Request& request)>;
 
-// The module knows no outcome, which JSON tells.
+// JSON tells the outcome, which the module does not give to its callers.
 LineFor JsonLines(const FilterOptions& options)
 {
     const auto tracer = std::make_shared<analysis::Tracer>(options.host.repository);
     Connect(*tracer, options.host);
     return [tracer](const analysis::Request& request) {
-        return JsonFor(request.userName, tracer->Explain(request).answer);
+        return AnswerJson(request.userName, tracer->Explain(request).answer);
     };
 }
 
@@ -68,12 +54,19 @@ LineFor TextLines(const FilterOptions& options)
     };
 }
 
-void PrintFilters(const FilterOptions& options)
+} // namespace
+
+ExitStatus RunFilter(const FilterOptions& options)
 {
+    if (options.users.empty() && !options.usersFrom) {
+        throw UsageError("USER or --users-from is required");
+    }
+    RequireUsersFrom(options.usersFrom);
     OutputFile output(std::nullopt);
-    ApplyHostOptions(options.host);
-    RequireRepository(options.host);
-    const LineFor lineFor = options.request.format == "json" ? JsonLines(options) : TextLines(options);
+    StartLog(options.host);
+    UseConfiguration(options.host);
+    RequireRepository(options.host.repository, options.host.configuration);
+    const LineFor lineFor = options.request.format == Format::json ? JsonLines(options) : TextLines(options);
 
     Progress progress;
     ForEachUser(options, [&](const std::string& userName) {
@@ -82,30 +75,7 @@ void PrintFilters(const FilterOptions& options)
         progress.CountOne();
     });
     output.Finish();
-}
-
-} // namespace
-
-void AddFilterCommand(CLI::App& app)
-{
-    CLI::App* command = app.add_subcommand("filter", "Print the access-control filter of each user, one a line");
-    auto options = std::make_shared<FilterOptions>();
-    AddHostOptions(*command, options->host);
-    AddRequestOptions(*command, options->request, "text: the filter's bytes; json: one object a line");
-    CLI::Option* users = AddOption(*command, "USER", options->users, "User names; one that begins with - after --");
-    users->type_name("");
-    AddOption(*command, "--users-from", options->usersFrom, "A file of user names, one a line; - for standard input")
-        ->excludes(users)
-        ->type_name("FILE");
-    command->callback([options] {
-        if (options->users.empty() && options->usersFrom.empty()) {
-            throw CLI::RequiredError("USER or --users-from");
-        }
-        if (!options->usersFrom.empty()) {
-            RequireUsersFrom(options->usersFrom);
-        }
-        PrintFilters(*options);
-    });
+    return ExitStatus::success;
 }
 
 } // namespace secm::acfilter

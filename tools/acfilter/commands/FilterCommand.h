@@ -1,13 +1,24 @@
+// `acfilter filter`: the filter of each user asked for.
 #pragma once
 
-namespace CLI {
-class App;
-}
+#include "tools/acfilter/commands/CommonOptions.h"
+#include "tools/acfilter/commands/ExitStatus.h"
+
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace secm::acfilter {
 
-/// Adds `acfilter filter`, which prints the filter of each user asked for. It runs while `app` is parsed, and
-/// throws std::exception when it fails.
-void AddFilterCommand(CLI::App& app);
+struct FilterOptions {
+    HostOptions host;
+    RequestOptions request; ///< With the format text or json.
+    std::vector<std::string> users;
+    std::optional<std::string> usersFrom;
+};
+
+/// Prints the filters in the order in which they are asked for. Throws UsageError, and std::exception when it fails;
+/// what is printed by then stays.
+ExitStatus RunFilter(const FilterOptions& options);
 
 } // namespace secm::acfilter

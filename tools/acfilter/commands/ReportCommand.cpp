@@ -1,30 +1,35 @@
-// One manager and one connection serve all users, one after the other, and what has to wait waits in a file: the number
-// of users takes no memory.
+// One manager and one connection serve all users, one after the other, and rows that have to wait for
+// the summary are kept in a file, so memory does not grow with the number of users.
 #include "tools/acfilter/commands/ReportCommand.h"
 
 #include "analysis/trace/Tracer.h"
-#include "tools/acfilter/cli/TextOption.h"
+#include "platform/configuration/CFG_RepositoryServices.h"
 #include "tools/acfilter/commands/CommandInputs.h"
+#include "tools/acfilter/commands/Configuration.h"
+#include "tools/acfilter/commands/Connection.h"
+#include "tools/acfilter/commands/Errors.h"
+#include "tools/acfilter/commands/FileOutput.h"
+#include "tools/acfilter/commands/Log.h"
 #include "tools/acfilter/commands/UserSource.h"
+#include "tools/acfilter/io/OutputFile.h"
 #include "tools/acfilter/io/Progress.h"
 #include "tools/acfilter/io/StandardStreams.h"
 #include "tools/acfilter/render/ReportWriter.h"
+#include "tools/acfilter/render/Sha256.h"
 
 #include <array>
 #include <ctime>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string_view>
+#include <vector>
 
 namespace secm::acfilter {
 
 namespace {
 
-struct ReportOptions {
-    HostOptions host;
-    RequestOptions request;
-    std::optional<std::string> usersFrom;
-    std::optional<std::string> output;
-    bool showValues = false;
-    bool isFull = false;
-};
+using Candidate = std::shared_ptr<const CFG_Candidate>;
 
 std::string Now()
 {
@@ -36,90 +41,98 @@ std::string Now()
     return text.data();
 }
 
-// The digests are those of the files that were read: the same before and after.
-std::vector<FileDigest> ApplyAndDigest(const HostOptions& host)
+// The digest of a pipe could be compared with nothing later.
+void RequireFileOrFolder(const std::string& path)
 {
-    std::vector<FileDigest> before = DigestsOf(host.configuration);
-    ApplyHostOptions(host);
-    if (DigestsOf(host.configuration) != before) {
-        throw std::runtime_error(host.configuration + ": was changed while it was read; run the report again");
+    namespace fs = std::filesystem;
+    std::error_code none;
+    if (fs::exists(path, none) && !fs::is_regular_file(path, none) && !fs::is_directory(path, none)) {
+        throw std::runtime_error(path + ": is no file, so it has no digest; name a file, or use another --format");
     }
-    return before;
 }
 
-std::unique_ptr<ReportWriter> MakeReport(const ReportHead& head, OutputFile& output)
+// The digests are those of the bytes that were parsed.
+Candidate UseConfigurationWithDigests(const HostOptions& host, std::vector<FileDigest>& digests)
 {
-    const std::string& format = head.request.format;
-    return format == "html"   ? MakeHtmlReport(head, output)
-           : format == "csv"  ? MakeCsvReport(head, output)
-           : format == "json" ? MakeJsonReport(head, output)
-                              : MakeTextReport(head, output);
+    RequireFileOrFolder(host.configuration);
+    Candidate candidate =
+        ReadConfiguration(host.configuration, "--config", [&](const std::string& path, std::string_view content) {
+            digests.push_back({path, Sha256Hexadecimal(content)});
+        });
+    CFG_Factory::PutInForce(candidate);
+    return candidate;
 }
 
-void Report(const ReportOptions& options)
+std::unique_ptr<ReportWriter> MakeWriter(Format format, const ReportHead& head, TextOutput& output)
 {
-    RequireUsersFrom(options.usersFrom);
-    ReportHead head{options.host.repository, {}, options.request, options.showValues, options.isFull, false, {}, Now()};
-    if (options.request.format == "html") {
-        head.configuration = ApplyAndDigest(options.host);
+    switch (format) {
+    case Format::html:
+        return MakeHtmlReport(head, output);
+    case Format::csv:
+        return MakeCsvReport(head, output);
+    case Format::json:
+        return MakeJsonReport(head, output);
+    default:
+        return MakeTextReport(head, output);
+    }
+}
+
+void WriteRows(const ReportOptions& options, analysis::Tracer& tracer, std::size_t fieldCount, ReportWriter& writer)
+{
+    const bool rowsAppear =
+        !options.output && (options.request.format == Format::csv || options.request.format == Format::json);
+    Progress progress(rowsAppear);
+    const auto addRow = [&](const std::string& userName) {
+        const analysis::Request request{userName, options.request.ipAddress, options.request.withoutLogin};
+        writer.Add(RowOf(AskFor(userName, [&] { return tracer.Explain(request); }), fieldCount));
+        progress.CountOne();
+    };
+    if (options.usersFrom) {
+        ForEachUserOfFile(*options.usersFrom, addRow);
     } else {
-        ApplyHostOptions(options.host);
+        ForEachUserOfDatabase(options.host, addRow);
     }
-    RequireRepository(options.host);
-    head.isForTerminal = !options.output && OutputIsTerminal();
-    analysis::Tracer tracer(options.host.repository);
-    for (const auto& rule : tracer.Rules().fields) {
-        head.fields.push_back(rule->name);
+    if (progress.Count() == 0) {
+        throw std::runtime_error("the security database holds no user, so there is nothing to report; check the "
+                                 "option --security");
     }
-    Connect(tracer, options.host);
-    if (options.output) {
-        RequireNoInput(*options.output, options.host, options.usersFrom);
-    }
-    OutputFile output(options.output);
-
-    const std::unique_ptr<ReportWriter> writer = MakeReport(head, output);
-    {
-        const bool rowsAppear =
-            !options.output && (options.request.format == "csv" || options.request.format == "json");
-        Progress progress(rowsAppear);
-        const auto addRow = [&](const std::string& userName) {
-            const analysis::Request request{userName, options.request.ipAddress, options.request.withoutLogin};
-            writer->Add(AccessOf(AskFor(userName, [&] { return tracer.Explain(request); }), head.fields.size()));
-            progress.CountOne();
-        };
-        if (options.usersFrom) {
-            ForEachUserOfFile(*options.usersFrom, addRow);
-        } else {
-            ForEachUserOfDatabase(options.host.securityDatabase, options.host.timeoutSeconds, addRow);
-        }
-        if (progress.Count() == 0) {
-            throw std::runtime_error("the security database holds no user, so there is nothing to report; check the "
-                                     "option --security");
-        }
-    }
-    writer->Finish();
-    output.Finish();
 }
 
 } // namespace
 
-void AddReportCommand(CLI::App& app)
+ExitStatus RunReport(const ReportOptions& options)
 {
-    CLI::App* command = app.add_subcommand("report", "Tell who sees what: a row a user, a column a field");
-    auto options = std::make_shared<ReportOptions>();
-    AddHostOptions(*command, options->host);
-    AddRequestOptions(*command, options->request,
-                      "text: a table for people; csv; json: one object a line; html: one page to keep",
-                      {"text", "csv", "json", "html"});
-    AddOption(*command, "--users-from", options->usersFrom,
-              "A file of user names, one a line; - for standard input; else every user of the security database")
-        ->type_name("FILE");
-    AddOption(*command, "--output", options->output,
-              "Write to this file, which is replaced once all is written; else to standard output")
-        ->type_name("FILE");
-    command->add_flag("--values", options->showValues, "Show the values of each field, not only how many there are");
-    command->add_flag("--full", options->isFull, "Show long lists and texts whole in text");
-    command->callback([options] { Report(*options); });
+    RequireUsersFrom(options.usersFrom);
+    const HostOptions& host = options.host;
+    ReportHead head;
+    head.repository = host.repository;
+    head.ipAddress = options.request.ipAddress;
+    head.withoutLogin = options.request.withoutLogin;
+    head.showValues = options.showValues;
+    head.isFull = options.isFull;
+    head.generated = Now();
+    StartLog(host);
+    const Candidate candidate = options.request.format == Format::html
+                                    ? UseConfigurationWithDigests(host, head.configuration)
+                                    : UseConfiguration(host);
+    RequireRepository(host.repository, host.configuration);
+    head.isForTerminal = !options.output && OutputIsTerminal();
+    analysis::Tracer tracer(host.repository);
+    for (const auto& rule : tracer.Rules().fields) {
+        head.fields.push_back(rule->name);
+    }
+    Connect(tracer, host);
+    if (options.output) {
+        RequireNoInput(*options.output, host, candidate.get(), options.usersFrom);
+    }
+    OutputFile file(options.output);
+    FileOutput output(file);
+
+    const std::unique_ptr<ReportWriter> writer = MakeWriter(options.request.format, head, output);
+    WriteRows(options, tracer, head.fields.size(), *writer);
+    writer->Finish();
+    file.Finish();
+    return ExitStatus::success;
 }
 
 } // namespace secm::acfilter

@@ -1,13 +1,24 @@
+// `acfilter report`: who sees what, a row a user.
 #pragma once
 
-namespace CLI {
-class App;
-}
+#include "tools/acfilter/commands/CommonOptions.h"
+#include "tools/acfilter/commands/ExitStatus.h"
+
+#include <optional>
+#include <string>
 
 namespace secm::acfilter {
 
-/// Adds `acfilter report`, which tells who sees what, a row a user. It runs while `app` is parsed, and throws
-/// std::exception when it fails.
-void AddReportCommand(CLI::App& app);
+struct ReportOptions {
+    HostOptions host;
+    RequestOptions request;
+    std::optional<std::string> usersFrom; ///< Else every user of the security database.
+    std::optional<std::string> output;    ///< Else standard output.
+    bool showValues = false;
+    bool isFull = false;
+};
+
+/// Throws UsageError, and std::exception when it fails.
+ExitStatus RunReport(const ReportOptions& options);
 
 } // namespace secm::acfilter

@@ -4,7 +4,6 @@
 
 #include <signal.h>
 
-#include <cstdlib>
 #include <thread>
 
 namespace secm::acfilter {
@@ -22,13 +21,10 @@ void ReopenOnEach(sigset_t hangUp)
 
 void ReopenLogOnHangUp()
 {
-    static bool isStarted = false;
     bool (Tmr_LogFile::*reopen)() = &Tmr_LogFile::Reopen; // null: the log is a host's own, without it
-    const char* path = std::getenv("TMR_LOG_FILE");
-    if (isStarted || path == nullptr || *path == '\0' || reopen == nullptr) {
+    if (reopen == nullptr) {
         return;
     }
-    isStarted = true;
     sigset_t hangUp;
     sigemptyset(&hangUp);
     sigaddset(&hangUp, SIGHUP);

@@ -1,6 +1,7 @@
 #include "tools/acfilter/io/OutputFile.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/file.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -66,9 +67,10 @@ void OutputFile::Begin()
     Create();
     Lock();
     if (place.old && fchown(fileno(file), place.old->st_uid, place.old->st_gid) != 0) {
-        Refuse("the new file cannot have the owner and group of the old one (user " +
-               std::to_string(place.old->st_uid) + ", group " + std::to_string(place.old->st_gid) +
-               "); run as that user, or remove the old file");
+        Refuse(
+            fmt::format("the new file cannot have the owner and group of the old one (user {}, group {}); run as that "
+                        "user, or remove the old file",
+                        place.old->st_uid, place.old->st_gid));
     }
 }
 
@@ -158,23 +160,23 @@ void OutputFile::RemoveAbandoned() const
     }
     const bool isOurs = found.st_uid == geteuid() || (place.old && found.st_uid == place.old->st_uid);
     if (!S_ISREG(found.st_mode) || !isOurs) {
-        Refuse("'" + hiddenName +
-               "' beside it is not what acfilter leaves there when it is killed; see whose it is, "
-               "and remove it");
+        Refuse(fmt::format("'{}' beside it is not what acfilter leaves there when it is killed; see whose it is, and "
+                           "remove it",
+                           hiddenName));
     }
     // For reading, because the mode may be that of a file that nobody writes.
     const Descriptor abandoned(openat(folder, hiddenName.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!abandoned.IsOpen() || flock(abandoned.Get(), LOCK_EX | LOCK_NB) != 0) {
         Refuse(errno == EWOULDBLOCK ? anotherRun
-                                    : "'" + hiddenName + "', which an earlier run left beside it, cannot be removed: " +
-                                          std::strerror(errno));
+                                    : fmt::format("'{}', which an earlier run left beside it, cannot be removed: {}",
+                                                  hiddenName, std::strerror(errno)));
     }
     if (HasName(abandoned.Get(), folder, hiddenName) && unlinkat(folder, hiddenName.c_str(), 0) != 0) {
         Refuse();
     }
 }
 
-// Whoever could not read the old file cannot read the new one.
+// Gives the new file the access control list and the mode of the old one.
 void OutputFile::KeepAccess() const
 {
     const std::string old = PathOf(place.folder.Get()) + "/" + place.name;
@@ -243,7 +245,7 @@ void OutputFile::Refuse() const
 
 void OutputFile::Refuse(const std::string& why) const
 {
-    throw std::runtime_error((path.empty() ? "standard output" : path) + " cannot be written: " + why);
+    throw std::runtime_error(fmt::format("{} cannot be written: {}", path.empty() ? "standard output" : path, why));
 }
 
 } // namespace secm::acfilter

@@ -13,10 +13,10 @@ namespace secm::acfilter {
 /// Each operation throws std::runtime_error when the output cannot be written.
 class OutputFile {
 public:
-    /// Standard output when there is no path. Otherwise an unnamed file is written, to which Finish gives the name;
-    /// when the program ends before, an older file stays and nothing is left. Where the file system has no unnamed
-    /// files, a hidden file (".NAME.acfilter-unfinished") is written in the same folder; when the program is killed,
-    /// the next OutputFile for the same path removes it.
+    /// Writes to standard output when there is no path. Otherwise writes an unnamed file, to which Finish gives the
+    /// name. When the program ends before Finish, an older file stays and no new file is left. Where the file system
+    /// has no unnamed files, a hidden file (".NAME.acfilter-unfinished") is written in the same folder; when the
+    /// program is killed, the next OutputFile for the same path removes it.
     explicit OutputFile(const std::optional<std::string>& path);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
@@ -29,7 +29,7 @@ public:
     /// the constructor is not replaced: that throws.
     void Finish();
 
-    /// For a Spool: the folder that the file will be in, or empty.
+    /// For TemporaryLines: the folder that the file will be in, or empty.
     std::string ScratchFolder() const;
 
 private:

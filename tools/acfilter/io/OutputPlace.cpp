@@ -1,6 +1,7 @@
 #include "tools/acfilter/io/OutputPlace.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <linux/magic.h>
 #include <sys/vfs.h>
 #include <unistd.h>
@@ -20,7 +21,7 @@ namespace {
 namespace fs = std::filesystem;
 using platform::Descriptor;
 
-// The kernel's own limit.
+// The kernel follows as many.
 constexpr int mostLinks = 40;
 
 class PathResolution {
@@ -59,8 +60,8 @@ public:
                 return std::move(place);
             }
         }
-        throw std::runtime_error("--output '" + path +
-                                 "' is no file; name one, or leave the option out to write to standard output");
+        throw std::runtime_error(fmt::format(
+            "--output '{}' is no file; name one, or leave the option out to write to standard output", path));
     }
 
 private:
@@ -82,9 +83,9 @@ private:
         }
         // A name in /proc/self/fd stands for an open file. Replacing the name would not write to that file.
         if (system.f_type == PROC_SUPER_MAGIC) {
-            throw std::runtime_error("--output '" + path +
-                                     "' leads into /proc; name a file, or leave the option out to write to standard "
-                                     "output");
+            throw std::runtime_error(fmt::format(
+                "--output '{}' leads into /proc; name a file, or leave the option out to write to standard output",
+                path));
         }
         place.folder = std::move(entered);
         place.folderPath = (fs::path(place.folderPath) / folder).string();
@@ -99,9 +100,9 @@ private:
         }
         const bool everybodyAddsFiles = (folder.st_mode & S_IWOTH) != 0;
         if (everybodyAddsFiles && found.st_uid != geteuid() && found.st_uid != folder.st_uid) {
-            throw std::runtime_error("--output '" + path + "': '" + place.name + "' in '" + place.folderPath +
-                                     "', where everybody may write, belongs to somebody else (user " +
-                                     std::to_string(found.st_uid) + "); name a file in a folder of your own");
+            throw std::runtime_error(fmt::format("--output '{}': '{}' in '{}', where everybody may write, belongs to "
+                                                 "somebody else (user {}); name a file in a folder of your own",
+                                                 path, place.name, place.folderPath, found.st_uid));
         }
     }
 
@@ -116,7 +117,10 @@ private:
         return target;
     }
 
-    [[noreturn]] void Refuse() const { throw std::runtime_error(path + " cannot be written: " + std::strerror(errno)); }
+    [[noreturn]] void Refuse() const
+    {
+        throw std::runtime_error(fmt::format("{} cannot be written: {}", path, std::strerror(errno)));
+    }
 
     const std::string& path;
     OutputPlace place;

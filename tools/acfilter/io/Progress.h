@@ -1,12 +1,13 @@
-// A line on the terminal that tells how far a long list is, while the answers go somewhere else.
+// A line on the terminal that shows how many users are done, while the answers go somewhere else.
 #pragma once
 
 #include <chrono>
 
 namespace secm::acfilter {
 
-/// Silent unless standard error is a terminal and the answers do not appear on it: they wait for the end or go to a
-/// file of their own (`answersAppear` is false), or standard output is a file. The line is gone when the object is.
+/// Shows the line only when standard error is a terminal and no answers appear on it meanwhile: they wait for the end
+/// or go to a file of their own (`answersAppear` is false), or standard output is a file. The destructor removes the
+/// line.
 class Progress {
 public:
     explicit Progress(bool answersAppear = true);

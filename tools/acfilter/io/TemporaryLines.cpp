@@ -3,6 +3,7 @@
 #include "platform/Descriptor.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,7 +24,7 @@ std::string TemporaryFolder()
     return folder != nullptr && *folder != '\0' ? folder : "/tmp";
 }
 
-// A file without a name, open for reading and writing; not open when there can be none.
+// Opens a file without a name for reading and writing. The result is not open when that fails.
 Descriptor UnnamedFile(const std::string& folder)
 {
     Descriptor unnamed(open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, S_IRUSR | S_IWUSR));
@@ -39,7 +40,7 @@ Descriptor UnnamedFile(const std::string& folder)
 
 } // namespace
 
-Spool::Spool(const std::string& folder) : place(folder.empty() ? TemporaryFolder() : folder)
+TemporaryLines::TemporaryLines(const std::string& folder) : place(folder.empty() ? TemporaryFolder() : folder)
 {
     const Descriptor unnamed = UnnamedFile(place);
     if (!unnamed.IsOpen()) {
@@ -48,30 +49,40 @@ Spool::Spool(const std::string& folder) : place(folder.empty() ? TemporaryFolder
     file.open("/proc/self/fd/" + std::to_string(unnamed.Get()), std::ios::in | std::ios::out | std::ios::binary);
 }
 
-void Spool::Write(std::string_view lines)
+void TemporaryLines::Write(std::string_view lines)
 {
     if (!file.write(lines.data(), static_cast<std::streamsize>(lines.size()))) {
         Refuse("written");
     }
 }
 
-void Spool::ForEachLine(const std::function<void(const std::string&)>& handle)
+bool TemporaryLines::Read(std::string& line)
 {
-    if (!file.seekg(0)) { // which writes out what is left
+    if (!isBeingRead && !file.seekg(0)) { // seekg writes the buffer first
         Refuse("written");
     }
-    for (std::string line; std::getline(file, line);) {
-        handle(line);
+    isBeingRead = true;
+    if (std::getline(file, line)) {
+        return true;
     }
     if (file.bad()) {
         Refuse("read");
     }
+    return false;
 }
 
-void Spool::Refuse(const char* what) const
+void TemporaryLines::ForEachLine(const std::function<void(std::string_view line)>& handle)
 {
-    throw std::runtime_error("a temporary file in '" + place + "' cannot be " + what + ": " + std::strerror(errno) +
-                             "; make room there, or set TMPDIR to another folder");
+    for (std::string line; Read(line);) {
+        handle(line);
+    }
+}
+
+void TemporaryLines::Refuse(const char* what) const
+{
+    throw std::runtime_error(
+        fmt::format("a temporary file in '{}' cannot be {}: {}; make room there, or set TMPDIR to another folder",
+                    place, what, std::strerror(errno)));
 }
 
 } // namespace secm::acfilter

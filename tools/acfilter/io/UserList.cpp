@@ -1,7 +1,13 @@
 #include "tools/acfilter/io/UserList.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <iostream>
 #include <stdexcept>
 #include <string_view>
 
@@ -34,6 +40,39 @@ void ForEachLine(std::istream& lines, const std::string& place, const UserHandle
     }
     if (lines.bad()) {
         throw std::runtime_error(place + ": cannot be read: " + std::strerror(errno));
+    }
+}
+
+void RequireStandardInput()
+{
+    if ((fcntl(STDIN_FILENO, F_GETFL) & O_ACCMODE) == O_WRONLY) { // as HoldStandardDescriptors opens it
+        throw std::runtime_error(std::string("standard input: cannot be read: ") + std::strerror(EBADF));
+    }
+}
+
+void ForEachUserOfFile(const std::string& path, const UserHandler& handle)
+{
+    const bool isStandardInput = path == "-";
+    const std::string place = isStandardInput ? "standard input" : path;
+    bool namesSomebody = false;
+    const auto notice = [&](const std::string& userName) {
+        namesSomebody = true;
+        handle(userName);
+    };
+    if (isStandardInput) {
+        ForEachLine(std::cin, place, notice);
+        if (std::ferror(stdin) != 0) { // std::cin reports a failed read as the end
+            throw std::runtime_error(place + ": cannot be read: " + std::strerror(errno));
+        }
+    } else {
+        std::ifstream file(path, std::ios::binary);
+        if (!file) {
+            throw std::runtime_error(path + ": cannot be opened: " + std::strerror(errno));
+        }
+        ForEachLine(file, place, notice);
+    }
+    if (!namesSomebody) {
+        throw std::runtime_error(place + ": names no user, so nobody was asked for; write one name a line");
     }
 }
 

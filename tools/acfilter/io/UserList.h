@@ -15,4 +15,11 @@ using UserHandler = std::function<void(const std::string& userName)>;
 /// before LF, and when `lines` breaks off; what `handle` throws passes through.
 void ForEachLine(std::istream& lines, const std::string& place, const UserHandler& handle);
 
+/// Throws std::runtime_error when standard input was closed when the program started.
+void RequireStandardInput();
+
+/// Calls `handle` for each name of the file at `path`; of standard input when `path` is "-". Throws std::runtime_error
+/// as ForEachLine does, and also when the list cannot be read or names nobody.
+void ForEachUserOfFile(const std::string& path, const UserHandler& handle);
+
 } // namespace secm::acfilter

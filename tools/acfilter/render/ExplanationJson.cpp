@@ -2,8 +2,8 @@
 #include "tools/acfilter/render/Explanation.h"
 
 #include "analysis/trace/Reasons.h"
-
 #include "tools/acfilter/render/Json.h"
+#include "tools/acfilter/render/TextLayout.h"
 
 namespace secm::acfilter {
 
@@ -89,6 +89,11 @@ std::string ExplanationJson(const analysis::Trace& trace)
                          {"filter", trace.answer.filter},
                          {"note", trace.answer.filter.empty() ? Json(noRestriction) : Json(nullptr)}};
     return JsonLine(object);
+}
+
+std::string AnswerJson(const std::string& userName, const analysis::Answer& answer)
+{
+    return JsonLine({{"user", userName}, {"filter", answer.filter}, {"outcome", NameOf(answer.outcome)}});
 }
 
 } // namespace secm::acfilter

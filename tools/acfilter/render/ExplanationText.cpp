@@ -2,11 +2,12 @@
 #include "tools/acfilter/render/Explanation.h"
 
 #include "analysis/trace/Reasons.h"
-
 #include "tools/acfilter/render/Printable.h"
-#include "tools/acfilter/render/ReportRow.h"
 #include "tools/acfilter/render/TextLayout.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <functional>
 
 namespace secm::acfilter {
@@ -15,7 +16,7 @@ namespace {
 
 enum class Colour : int { none = 0, strong = 1, faint = 2, alarm = 31, good = 32, careful = 33 };
 
-// An attribute as text: its value, or that there is none.
+// The attribute's value as text, or that there is none.
 std::string ValueOf(const analysis::AttributeTrace& attribute)
 {
     return attribute.value ? Quoted(*attribute.value) : "(the user has none)";
@@ -35,7 +36,7 @@ public:
     std::string Coloured(const std::string& content, Colour colour) const
     {
         return style.hasColours && colour != Colour::none
-                   ? "\033[" + std::to_string(static_cast<int>(colour)) + "m" + content + "\033[0m"
+                   ? fmt::format("\033[{}m{}\033[0m", static_cast<int>(colour), content)
                    : content;
     }
 
@@ -60,16 +61,16 @@ void WriteTried(TextWriter& out, const analysis::WhatIf& tried)
         label = "";
     };
     for (const auto& [name, value] : tried.attributes) {
-        write("the user had the attribute " + Printable(name) + " = " + Quoted(value));
+        write(fmt::format("the user had the attribute {} = {}", Printable(name), Quoted(value)));
     }
     for (const auto& revocation : tried.revocations) {
-        write("the user had not " + Quoted(revocation.permission) +
-              (revocation.revoked == 0 ? " (nor has it today: nothing changes by this)"
-                                       : " (" + std::to_string(revocation.revoked) + " of today's grants)"));
+        write(fmt::format("the user had not {} {}", Quoted(revocation.permission),
+                          revocation.revoked == 0 ? "(nor has it today: nothing changes by this)"
+                                                  : fmt::format("({} of today's grants)", revocation.revoked)));
     }
     for (const PermissionBase& grant : tried.grants) {
-        write("the user had " + Quoted(grant.name()) + ", value " + std::to_string(grant.value()) +
-              (grant.resource() != nullptr ? ", for the resource " + Quoted(grant.resource()) : ", outright"));
+        write(fmt::format("the user had {}, value {}, {}", Quoted(grant.name()), grant.value(),
+                          grant.resource() != nullptr ? "for the resource " + Quoted(grant.resource()) : "outright"));
     }
     if (*label == '\0') {
         out.Line(0, "", "This is not what the user sees today, and nothing was changed.", Colour::careful);
@@ -97,14 +98,14 @@ void WriteHead(TextWriter& out, const analysis::Trace& trace)
     }
 }
 
-// What became of a resource that is no value as it was granted.
+// How a resource became a value, where that is not the resource itself.
 std::string WayOf(const analysis::ValueTrace& way)
 {
     if (!way.attribute) {
         return " is empty: dropped";
     }
-    return " stands for the attribute " + Printable(way.attribute->name) + ": " + ValueOf(*way.attribute) +
-           (way.value.empty() ? ", dropped" : "");
+    return fmt::format(" stands for the attribute {}: {}{}", Printable(way.attribute->name), ValueOf(*way.attribute),
+                       way.value.empty() ? ", dropped" : "");
 }
 
 void WriteValues(TextWriter& out, const std::vector<analysis::ValueTrace>& values)
@@ -130,14 +131,15 @@ void WriteMapped(TextWriter& out, const analysis::FieldTrace& field, const analy
         Printable(rule.function) +
         (rule.functionConfiguration.empty() ? "" : "(" + Printable(rule.functionConfiguration) + ")");
     if (!rule.isMapped) {
-        out.Line(5, "mapped", "by nothing: there is no values function '" + name + "'", Colour::alarm);
+        out.Line(5, "mapped", fmt::format("by nothing: there is no values function '{}'", name), Colour::alarm);
         return;
     }
     const std::vector<std::string> values = analysis::ValuesOf(field);
+    const auto pair = [&](std::size_t n) {
+        return fmt::format("{} to {}", Quoted(values[n]), Quoted(condition.mapped[n]));
+    };
     out.Line(5, "mapped",
-             "by " + name + ": " + out.List(std::min(values.size(), condition.mapped.size()), [&](std::size_t n) {
-                 return Quoted(values[n]) + " to " + Quoted(condition.mapped[n]);
-             }));
+             fmt::format("by {}: {}", name, out.List(std::min(values.size(), condition.mapped.size()), pair)));
 }
 
 void WriteCondition(TextWriter& out, const analysis::FieldTrace& field, const analysis::ConditionTrace& condition)
@@ -145,7 +147,7 @@ void WriteCondition(TextWriter& out, const analysis::FieldTrace& field, const an
     out.Line(3, "condition" + std::to_string(condition.rule->number), Printable(condition.rule->text));
     WriteMapped(out, field, condition);
     for (const analysis::AttributeTrace& attribute : condition.attributes) {
-        out.Line(5, "token", "$" + Printable(attribute.name) + "$ stands for " + ValueOf(attribute));
+        out.Line(5, "token", fmt::format("${}$ stands for {}", Printable(attribute.name), ValueOf(attribute)));
     }
     const std::string why = analysis::WhyEmpty(condition);
     out.Line(5, "text", why.empty() ? out.Text(condition.text) : "none: " + Printable(why),
@@ -154,10 +156,9 @@ void WriteCondition(TextWriter& out, const analysis::FieldTrace& field, const an
 
 void WriteField(TextWriter& out, const analysis::FieldTrace& field, std::size_t number)
 {
-    const std::string title = std::to_string(number) + ". " + Printable(field.rule->name) + ": " +
-                              Printable(field.rule->permissionName) + ", value " +
-                              std::to_string(field.rule->permissionValue);
-    out.Raw("\n" + out.Coloured(title, field.isHeld ? Colour::faint : Colour::strong) + "\n");
+    const std::string title = fmt::format("{}. {}: {}, value {}", number, Printable(field.rule->name),
+                                          Printable(field.rule->permissionName), field.rule->permissionValue);
+    out.Raw(fmt::format("\n{}\n", out.Coloured(title, field.isHeld ? Colour::faint : Colour::strong)));
     if (field.isHeld) {
         out.Line(3, "held", "outright: the field does not restrict the user", Colour::faint);
         return;
@@ -187,9 +188,9 @@ void WriteFilter(TextWriter& out, const analysis::Trace& trace)
     const std::string& filter = trace.answer.filter;
     out.Raw("\n" + out.Coloured(trace.tried.IsEmpty() ? "Filter" : "Filter, what if", Colour::strong) + "\n");
     if (filter.empty()) {
-        out.Raw(out.Coloured(std::string("(") + noRestriction + ")", Colour::alarm) + "\n");
+        out.Raw(out.Coloured(NoRestriction(), Colour::alarm) + "\n");
     } else {
-        // Byte for byte, unless that would give orders to a terminal.
+        // Byte for byte, unless a terminal would obey its control characters.
         out.Raw((out.style.isForTerminal ? Printable(filter) : filter) + "\n");
     }
 }

@@ -1,12 +1,16 @@
-// A report as one page that needs nothing else and can be kept. Whatever comes from the configuration or the security
-// database is text: escaped, with its control characters shown and its direction of writing kept to itself; and the
-// page lets nothing run or load but the style and the script that are its own.
+// A report as one page that needs no other file. Each text from the configuration or the security database is escaped,
+// its control characters are shown, and its direction of writing does not reach the text around it. The page allows no
+// style and no script but its own, and loads nothing.
 #include "tools/acfilter/render/ReportWriter.h"
 
 #include "ReportPage.h"
-#include "tools/acfilter/io/TemporaryLines.h"
-#include "tools/acfilter/render/Explanation.h"
 #include "tools/acfilter/render/Printable.h"
+#include "tools/acfilter/render/Sha256.h"
+#include "tools/acfilter/render/TextLayout.h"
+
+#include <fmt/format.h>
+
+#include <string_view>
 
 namespace secm::acfilter {
 
@@ -48,7 +52,7 @@ std::string Percent(unsigned long long part, unsigned long long whole)
 {
     constexpr unsigned long long perMille = 1000;
     const unsigned long long share = whole == 0 ? 0 : (part * perMille + whole / 2) / whole;
-    return std::to_string(share / 10) + "." + std::to_string(share % 10);
+    return fmt::format("{}.{}", share / 10, share % 10);
 }
 
 std::string CountsTable(const OutcomeCounts& counts)
@@ -57,13 +61,12 @@ std::string CountsTable(const OutcomeCounts& counts)
                         "<th scope=\"col\">Users</th><th scope=\"colgroup\" colspan=\"2\">Share</th>"
                         "<th scope=\"col\">Meaning</th></tr></thead>\n<tbody>\n";
     for (const analysis::Outcome outcome : allOutcomes) {
-        const std::string name = NameOf(outcome);
-        const std::string percent = Percent(counts.Of(outcome), counts.All());
-        table += "<tr><th scope=\"row\" class=\"" + name + "\">" + name + "</th><td class=\"count\">" +
-                 std::to_string(counts.Of(outcome)) + "</td><td class=\"count\">" + percent +
-                 " %</td><td><svg class=\"bar " + name +
-                 "\" viewBox=\"0 0 100 8\" preserveAspectRatio=\"none\" aria-hidden=\"true\"><rect width=\"" + percent +
-                 "\" height=\"8\"/></svg></td><td>" + MeaningOf(outcome) + "</td></tr>\n";
+        table += fmt::format(
+            R"(<tr><th scope="row" class="{0}">{0}</th><td class="count">{1}</td><td class="count">{2} %</td>)"
+            R"(<td><svg class="bar {0}" viewBox="0 0 100 8" preserveAspectRatio="none" aria-hidden="true">)"
+            R"(<rect width="{2}" height="8"/></svg></td><td>{3}</td></tr>)"
+            "\n",
+            NameOf(outcome), counts.Of(outcome), Percent(counts.Of(outcome), counts.All()), MeaningOf(outcome));
     }
     return table + "</tbody></table>\n";
 }
@@ -84,14 +87,13 @@ std::string Facts(const ReportHead& head, const OutcomeCounts& counts)
 {
     std::string facts = "<dl>\n<dt>Generated</dt><dd>" + head.generated + "</dd>\n";
     for (const FileDigest& digest : head.configuration) {
-        facts += "<dt>Configuration</dt><dd>" + Isolated(digest.file) + "<br>SHA-256 <code>" + digest.sha256 +
-                 "</code></dd>\n";
+        facts += fmt::format("<dt>Configuration</dt><dd>{}<br>SHA-256 <code>{}</code></dd>\n", Isolated(digest.file),
+                             digest.sha256);
     }
-    return facts + "<dt>Users</dt><dd>" + std::to_string(counts.All()) + "</dd>\n<dt>Asked</dt><dd>" +
-           (head.request.withoutLogin        ? std::string("by name, without a log-in")
-            : head.request.ipAddress.empty() ? "by a log-in"
-                                             : "by a log-in from " + Isolated(head.request.ipAddress)) +
-           "</dd>\n</dl>\n";
+    const std::string asked = head.withoutLogin        ? "by name, without a log-in"
+                              : head.ipAddress.empty() ? "by a log-in"
+                                                       : "by a log-in from " + Isolated(head.ipAddress);
+    return facts + fmt::format("<dt>Users</dt><dd>{}</dd>\n<dt>Asked</dt><dd>{}</dd>\n</dl>\n", counts.All(), asked);
 }
 
 std::string TableHead(const ReportHead& head)
@@ -113,35 +115,33 @@ std::string TableHead(const ReportHead& head)
 
 class HtmlReport final : public ReportWriter {
 public:
-    HtmlReport(const ReportHead& reportHead, OutputFile& outputFile)
-        : head(reportHead), output(outputFile), rows(outputFile.ScratchFolder())
+    HtmlReport(const ReportHead& reportHead, TextOutput& textOutput)
+        : head(reportHead), output(textOutput), rows(textOutput.MakeWaitingLines())
     {
     }
 
-    void Add(const AccessRow& row) override
+    void Add(const ReportRow& row) override
     {
-        std::string line = "<tr><th scope=\"row\">" + Isolated(row.user) + "</th><td>" +
-                           Isolated(row.group.value_or("")) + "</td><td class=\"" + NameOf(row.outcome) + "\">" +
-                           NameOf(row.outcome) + "</td>";
-        for (const AccessCell& cell : row.cells) {
+        std::string line = fmt::format(R"(<tr><th scope="row">{0}</th><td>{1}</td><td class="{2}">{2}</td>)",
+                                       Isolated(row.user), Isolated(row.group.value_or("")), NameOf(row.outcome));
+        for (const ReportCell& cell : row.cells) {
             line += CellOf(cell);
         }
-        rows.Write(line +
-                   (row.filter.empty() ? "<td class=\"alarm\">" + std::string(noRestriction)
-                                       : "<td><code>" + Isolated(row.filter) + "</code>") +
-                   "</td></tr>\n");
+        line += row.filter.empty() ? fmt::format(R"(<td class="alarm">{}</td></tr>)", noRestriction)
+                                   : fmt::format("<td><code>{}</code></td></tr>", Isolated(row.filter));
+        rows->Write(line + "\n");
         counts.Add(row.outcome);
     }
 
     void Finish() override
     {
         output.Write(PageHead(head) + Facts(head, counts) + CountsTable(counts) + TableHead(head));
-        rows.ForEachLine([&](const std::string& line) { output.Write(line + "\n"); });
+        rows->ForEachLine([&](std::string_view line) { output.Write(fmt::format("{}\n", line)); });
         output.Write("</tbody></table>\n</div>\n<script>" + std::string(pageScript) + "</script>\n</body>\n</html>\n");
     }
 
 private:
-    std::string CellOf(const AccessCell& cell) const
+    std::string CellOf(const ReportCell& cell) const
     {
         if (cell.access == FieldAccess::notAsked) {
             return "<td class=\"not-asked\">not asked</td>";
@@ -151,18 +151,18 @@ private:
             values += (n == 0 ? "'" : ", '") + Isolated(cell.values[n]) + "'";
         }
         const std::string kind = cell.restrictsNothing ? "alarm" : NameOf(cell.access);
-        return "<td class=\"" + kind + "\">" + CellText(cell, values) + "</td>";
+        return fmt::format(R"(<td class="{}">{}</td>)", kind, CellText(cell, values));
     }
 
     const ReportHead& head;
-    OutputFile& output;
-    Spool rows;
+    TextOutput& output;
+    std::unique_ptr<WaitingLines> rows;
     OutcomeCounts counts;
 };
 
 } // namespace
 
-std::unique_ptr<ReportWriter> MakeHtmlReport(const ReportHead& head, OutputFile& output)
+std::unique_ptr<ReportWriter> MakeHtmlReport(const ReportHead& head, TextOutput& output)
 {
     return std::make_unique<HtmlReport>(head, output);
 }

@@ -6,7 +6,7 @@ namespace secm::acfilter {
 
 namespace {
 
-AccessCell CellOf(const analysis::FieldTrace& field)
+ReportCell CellOf(const analysis::FieldTrace& field)
 {
     if (field.isHeld) {
         return {FieldAccess::all, {}, false};
@@ -33,9 +33,9 @@ const char* NameOf(FieldAccess access)
     }
 }
 
-AccessRow AccessOf(const analysis::Trace& trace, std::size_t fieldCount)
+ReportRow RowOf(const analysis::Trace& trace, std::size_t fieldCount)
 {
-    AccessRow row{trace.request.userName, trace.groupName, trace.answer.outcome, {}, trace.answer.filter};
+    ReportRow row{trace.request.userName, trace.groupName, trace.answer.outcome, {}, trace.answer.filter};
     for (const analysis::FieldTrace& field : trace.fields) {
         row.cells.push_back(CellOf(field));
     }

@@ -9,27 +9,28 @@
 
 namespace secm::acfilter {
 
-/// What a field leaves a user: all, when it is held outright; none, which hides every record; or the records of these
-/// values. Not asked: the answer was certain before.
+/// Which records a field leaves a user. All: the field is held outright. None: every record is hidden. Values: the
+/// records with certain values. Not asked: an earlier field hid everything.
 enum class FieldAccess { all, none, values, notAsked };
 
 /// "all", "none", "values" or "not asked".
 const char* NameOf(FieldAccess access);
 
-struct AccessCell {
+struct ReportCell {
     FieldAccess access = FieldAccess::notAsked;
     std::vector<std::string> values; ///< Each once, in the order in which they are granted; "%my%" is replaced.
     bool restrictsNothing = false;   ///< There are values, but the field adds no clause.
 };
 
-struct AccessRow {
+struct ReportRow {
     std::string user;
     std::optional<std::string> group; ///< Nothing: the user is not known.
     analysis::Outcome outcome;
-    std::vector<AccessCell> cells; ///< Of each field of the repository.
+    std::vector<ReportCell> cells; ///< Of each field of the repository.
     std::string filter;
 };
 
-AccessRow AccessOf(const analysis::Trace& trace, std::size_t fieldCount);
+/// `fieldCount` is the number of the repository's fields; those that were not looked at are "not asked".
+ReportRow RowOf(const analysis::Trace& trace, std::size_t fieldCount);
 
 } // namespace secm::acfilter

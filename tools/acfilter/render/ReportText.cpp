@@ -1,13 +1,14 @@
-// A report as people read it on a terminal: how many users there are, and a table whose columns are as wide as what is
-// in them, which is only known at the end.
+// A report as people read it on a terminal: how many users there are, and a table. The rows wait for the end, when the
+// widths of the columns are known.
 #include "tools/acfilter/render/ReportWriter.h"
 
-#include "tools/acfilter/io/TemporaryLines.h"
-#include "tools/acfilter/render/Explanation.h"
 #include "tools/acfilter/render/Printable.h"
 #include "tools/acfilter/render/TextLayout.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <string_view>
 
 namespace secm::acfilter {
 
@@ -16,18 +17,10 @@ namespace {
 constexpr std::size_t widestColumn = 40;
 constexpr char columnEnd = '\t'; // which Printable leaves in no text
 
-// In characters, as far as one takes one column.
-std::size_t WidthOf(std::string_view text)
-{
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char character) {
-        return (static_cast<unsigned char>(character) & 0xc0U) != 0x80;
-    }));
-}
-
 class TextReport final : public ReportWriter {
 public:
-    TextReport(const ReportHead& reportHead, OutputFile& outputFile)
-        : head(reportHead), output(outputFile), rows(outputFile.ScratchFolder())
+    TextReport(const ReportHead& reportHead, TextOutput& textOutput)
+        : head(reportHead), output(textOutput), rows(textOutput.MakeWaitingLines())
     {
         std::vector<std::string> titles = {"user", "group", "outcome"};
         titles.insert(titles.end(), head.fields.begin(), head.fields.end());
@@ -39,29 +32,28 @@ public:
         Keep(titles);
     }
 
-    void Add(const AccessRow& row) override
+    void Add(const ReportRow& row) override
     {
         std::vector<std::string> texts = {Printable(row.user), Printable(row.group.value_or("")), NameOf(row.outcome)};
-        for (const AccessCell& cell : row.cells) {
+        for (const ReportCell& cell : row.cells) {
             const auto value = [&](std::size_t n) { return Quoted(cell.values[n]); };
             texts.push_back(
                 CellText(cell, head.showValues ? ShortList(cell.values.size(), value, head.isFull) : std::string()));
         }
-        texts.push_back(row.filter.empty() ? std::string("(") + noRestriction + ")"
-                                           : ShortText(row.filter, head.isFull));
+        texts.push_back(row.filter.empty() ? NoRestriction() : ShortText(row.filter, head.isFull));
         Keep(texts);
         counts.Add(row.outcome);
     }
 
     void Finish() override
     {
-        std::string summary = std::to_string(counts.All()) + (counts.All() == 1 ? " user:" : " users:");
+        std::string summary = fmt::format("{} {}:", counts.All(), counts.All() == 1 ? "user" : "users");
         for (const analysis::Outcome outcome : allOutcomes) {
-            summary += (outcome == allOutcomes.front() ? " " : ", ") + std::to_string(counts.Of(outcome)) + " " +
-                       NameOf(outcome);
+            summary +=
+                fmt::format("{} {} {}", outcome == allOutcomes.front() ? "" : ",", counts.Of(outcome), NameOf(outcome));
         }
         output.Write(summary + "\n\n");
-        rows.ForEachLine([&](const std::string& line) { output.Write(Aligned(line) + "\n"); });
+        rows->ForEachLine([&](std::string_view line) { output.Write(Aligned(line) + "\n"); });
     }
 
 private:
@@ -69,10 +61,10 @@ private:
     {
         std::string line;
         for (std::size_t column = 0; column < widths.size(); ++column) {
-            widths[column] = std::min(widestColumn, std::max(widths[column], WidthOf(texts[column])));
+            widths[column] = std::min(widestColumn, std::max(widths[column], ColumnCount(texts[column])));
             line.append(texts[column]).append(1, columnEnd);
         }
-        rows.Write(line.append(texts.back()).append("\n"));
+        rows->Write(line.append(texts.back()).append("\n"));
     }
 
     std::string Aligned(std::string_view line) const
@@ -81,31 +73,31 @@ private:
         for (const std::size_t width : widths) {
             const std::string_view text = line.substr(0, line.find(columnEnd));
             line.remove_prefix(text.size() + 1);
-            const std::size_t used = WidthOf(text);
+            const std::size_t used = ColumnCount(text);
             aligned.append(text).append(used < width ? width - used : 0, ' ').append("  ");
         }
         return aligned.append(line);
     }
 
     const ReportHead& head;
-    OutputFile& output;
-    Spool rows;
+    TextOutput& output;
+    std::unique_ptr<WaitingLines> rows;
     std::vector<std::size_t> widths; // of all columns but the last
     OutcomeCounts counts;
 };
 
 } // namespace
 
-std::string CellText(const AccessCell& cell, const std::string& values)
+std::string CellText(const ReportCell& cell, const std::string& values)
 {
     if (cell.access != FieldAccess::values) {
         return NameOf(cell.access);
     }
-    return std::to_string(cell.values.size()) + (values.empty() ? "" : ": " + values) +
-           (cell.restrictsNothing ? " (restricts nothing)" : "");
+    return fmt::format("{}{}{}{}", cell.values.size(), values.empty() ? "" : ": ", values,
+                       cell.restrictsNothing ? " (restricts nothing)" : "");
 }
 
-std::unique_ptr<ReportWriter> MakeTextReport(const ReportHead& head, OutputFile& output)
+std::unique_ptr<ReportWriter> MakeTextReport(const ReportHead& head, TextOutput& output)
 {
     return std::make_unique<TextReport>(head, output);
 }

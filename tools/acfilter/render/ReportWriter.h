@@ -1,20 +1,27 @@
 // Who sees what, a row a user: the forms in which it is written.
 #pragma once
 
-#include "tools/acfilter/commands/ConfigurationDigest.h"
-#include "tools/acfilter/commands/RequestOptions.h"
-#include "tools/acfilter/io/OutputFile.h"
 #include "tools/acfilter/render/ReportRow.h"
+#include "tools/acfilter/render/TextOutput.h"
 
 #include <array>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace secm::acfilter {
+
+/// A file of the configuration.
+struct FileDigest {
+    std::string file;
+    std::string sha256; ///< In hexadecimal.
+};
 
 struct ReportHead {
     std::string repository;
     std::vector<std::string> fields; ///< Their names, in the order of the cells.
-    RequestOptions request;
+    std::string ipAddress;           ///< That all users were asked for with.
+    bool withoutLogin = false;
     bool showValues = false;               ///< Else how many there are.
     bool isFull = false;                   ///< Else long lists and texts are cut short in the form for people.
     bool isForTerminal = false;            ///< Then no control character goes out as it is.
@@ -22,19 +29,19 @@ struct ReportHead {
     std::string generated;                 ///< When, in UTC.
 };
 
-/// Writes to `output`, which it does not finish. Head and output live as long as it does. Each operation throws
-/// std::runtime_error when it cannot write.
+/// Writes to an output. Head and output must live as long as it does. Each operation throws std::runtime_error when it
+/// cannot write.
 class ReportWriter {
 public:
     virtual ~ReportWriter() = default;
-    virtual void Add(const AccessRow& row) = 0;
+    virtual void Add(const ReportRow& row) = 0;
     virtual void Finish() {}
 };
 
-std::unique_ptr<ReportWriter> MakeTextReport(const ReportHead& head, OutputFile& output);
-std::unique_ptr<ReportWriter> MakeCsvReport(const ReportHead& head, OutputFile& output);
-std::unique_ptr<ReportWriter> MakeJsonReport(const ReportHead& head, OutputFile& output);
-std::unique_ptr<ReportWriter> MakeHtmlReport(const ReportHead& head, OutputFile& output);
+std::unique_ptr<ReportWriter> MakeTextReport(const ReportHead& head, TextOutput& output);
+std::unique_ptr<ReportWriter> MakeCsvReport(const ReportHead& head, TextOutput& output);
+std::unique_ptr<ReportWriter> MakeJsonReport(const ReportHead& head, TextOutput& output);
+std::unique_ptr<ReportWriter> MakeHtmlReport(const ReportHead& head, TextOutput& output);
 
 /// How many users have each outcome.
 class OutcomeCounts {
@@ -51,6 +58,6 @@ inline constexpr std::array allOutcomes = {analysis::Outcome::unrestricted, anal
                                            analysis::Outcome::hideAll, analysis::Outcome::unknownUser};
 
 /// A cell for people: "all", "none", "not asked", or how many values; with `values` (a list of them) these follow.
-std::string CellText(const AccessCell& cell, const std::string& values);
+std::string CellText(const ReportCell& cell, const std::string& values);
 
 } // namespace secm::acfilter

@@ -2,6 +2,8 @@
 
 #include "tools/acfilter/render/Printable.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 namespace secm::acfilter {
@@ -9,7 +11,7 @@ namespace secm::acfilter {
 namespace {
 
 constexpr std::size_t shownBytes = 400;
-constexpr std::size_t labelWidth = 14;
+constexpr std::size_t labelWidth = 14; // columns
 
 } // namespace
 
@@ -18,11 +20,17 @@ std::string Quoted(const std::string& text)
     return "'" + Printable(text) + "'";
 }
 
+std::string NoRestriction()
+{
+    return fmt::format("({})", noRestriction);
+}
+
 std::string LabelledLine(std::size_t indent, std::string_view label, const std::string& content)
 {
     std::string line(indent, ' ');
     line += label;
-    line.append(line.size() < labelWidth ? labelWidth - line.size() : 1, ' ');
+    const std::size_t used = indent + ColumnCount(label);
+    line.append(used < labelWidth ? labelWidth - used : 1, ' ');
     return line + content + "\n";
 }
 
@@ -33,7 +41,7 @@ std::string ShortList(std::size_t count, const std::function<std::string(std::si
     for (std::size_t index = 0; index < shown; ++index) {
         list += (index == 0 ? "" : ", ") + item(index);
     }
-    return shown < count ? list + ", ... " + std::to_string(count) + " in all, --full shows them" : list;
+    return shown < count ? fmt::format("{}, ... {} in all, --full shows them", list, count) : list;
 }
 
 std::string ShortText(const std::string& text, bool isFull)
@@ -45,7 +53,7 @@ std::string ShortText(const std::string& text, bool isFull)
     while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0U) == 0x80) {
         --end; // not in the middle of a character
     }
-    return Printable(text.substr(0, end)) + " ... " + std::to_string(text.size()) + " bytes in all, --full shows them";
+    return fmt::format("{} ... {} bytes in all, --full shows them", Printable(text.substr(0, end)), text.size());
 }
 
 } // namespace secm::acfilter

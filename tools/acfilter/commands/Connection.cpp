@@ -1,18 +1,11 @@
-#include "tools/acfilter/commands/RequestOptions.h"
+#include "tools/acfilter/commands/Connection.h"
 
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
 #include "analysis/trace/Tracer.h"
-#include "tools/acfilter/cli/TextOption.h"
+
+#include <stdexcept>
 
 namespace secm::acfilter {
-
-void AddRequestOptions(CLI::App& command, RequestOptions& options, const char* help,
-                       const std::vector<std::string>& formats)
-{
-    AddOption(command, "--ip", options.ipAddress, "The address that the users log in from")->type_name("ADDRESS");
-    command.add_flag("--no-login", options.withoutLogin, "Ask by user name, without logging the user in");
-    AddOption(command, "--format", options.format, help)->check(CLI::IsMember(formats));
-}
 
 namespace {
 

@@ -1,9 +1,10 @@
-// A comparison as people read it.
-#include "tools/acfilter/render/ComparisonWriter.h"
+// A diff as people read it.
+#include "tools/acfilter/render/DiffWriter.h"
 
-#include "tools/acfilter/render/Explanation.h"
 #include "tools/acfilter/render/Printable.h"
 #include "tools/acfilter/render/TextLayout.h"
+
+#include <fmt/format.h>
 
 namespace secm::acfilter {
 
@@ -28,7 +29,7 @@ std::string FieldText(const analysis::FieldChange& field, bool isFull)
 
 std::string FilterText(const std::string& filter, bool isFull)
 {
-    return filter.empty() ? std::string("(") + noRestriction + ")" : ShortText(filter, isFull);
+    return filter.empty() ? NoRestriction() : ShortText(filter, isFull);
 }
 
 std::string BeforeAndNow(const std::string& before, const std::string& now, bool isFull)
@@ -36,47 +37,48 @@ std::string BeforeAndNow(const std::string& before, const std::string& now, bool
     return LabelledLine(3, "before", FilterText(before, isFull)) + LabelledLine(3, "now", FilterText(now, isFull));
 }
 
-std::string UnknownText(const Comparison& comparison)
+std::string UnknownText(const DiffSummary& summary)
 {
     std::string names;
-    for (const UnknownUser& user : comparison.FirstUnknown()) {
+    for (const UnknownUser& user : summary.firstUnknown) {
         names += (names.empty() ? "" : ", ") + Quoted(user.name) +
-                 (user.known.empty() ? "" : " (" + Quoted(user.known) + " is known)");
+                 (user.known.empty() ? "" : fmt::format(" ({} is known)", Quoted(user.known)));
     }
-    const bool areMore = comparison.UnknownCount() > comparison.FirstUnknown().size();
-    return names.empty() ? names
-                         : LabelledLine(0, "Unknown",
-                                        std::to_string(comparison.UnknownCount()) +
-                                            " of them, on both sides: " + names + (areMore ? ", ..." : ""));
+    if (names.empty()) {
+        return names;
+    }
+    const bool areMore = summary.unknownCount > summary.firstUnknown.size();
+    return LabelledLine(
+        0, "Unknown",
+        fmt::format("{} of them, on both sides: {}{}", summary.unknownCount, names, areMore ? ", ..." : ""));
 }
 
 } // namespace
 
-std::string SummaryText(const Comparison& comparison)
+std::string SummaryText(const DiffSummary& summary)
 {
-    const ComparisonHead& head = comparison.head;
+    const DiffHead& head = summary.head;
     std::string kinds;
-    for (const analysis::Change change : toldChanges) {
-        kinds += std::to_string(comparison.CountOf(change)) + " " + NameOf(change) + ", ";
+    for (const analysis::Change change : shownChanges) {
+        kinds += fmt::format("{} {}, ", summary.CountOf(change), NameOf(change));
     }
     std::string excluding;
     for (const std::string& field : head.excluding) {
         excluding += (excluding.empty() ? "" : ", ") + Printable(field);
     }
     std::string settings;
-    for (const analysis::SettingChange& setting : comparison.Settings()) {
-        settings +=
-            LabelledLine(0, "Setting",
-                         std::string(setting.setting) + ": " + NameOf(setting.change) + " for " + setting.users) +
-            BeforeAndNow(setting.before, setting.after, true);
+    for (const analysis::SettingChange& setting : summary.settings) {
+        settings += LabelledLine(0, "Setting",
+                                 fmt::format("{}: {} for {}", setting.setting, NameOf(setting.change), setting.users)) +
+                    BeforeAndNow(setting.before, setting.after, true);
     }
     return LabelledLine(0, "Repository", Quoted(head.repository)) + LabelledLine(0, "Before", Printable(head.before)) +
            LabelledLine(0, "After",
                         Printable(head.after) + (head.hasOtherDatabase ? ", with another security database" : "")) +
-           LabelledLine(0, "Users",
-                        std::to_string(comparison.CountOfAll()) + ": " + kinds +
-                            std::to_string(comparison.CountOf(analysis::Change::same)) + " the same") +
-           UnknownText(comparison) + settings +
+           LabelledLine(
+               0, "Users",
+               fmt::format("{}: {}{} the same", summary.CountOfAll(), kinds, summary.CountOf(analysis::Change::same))) +
+           UnknownText(summary) + settings +
            LabelledLine(0, "Assumed", "each further value of a field shows more records, each further field fewer;") +
            LabelledLine(0, "", "a template means the same beside others, and for one value as for several") +
            (excluding.empty()
@@ -88,8 +90,9 @@ std::string UserChangeText(const analysis::UserChange& user, bool isFull)
 {
     const std::string was = NameOf(user.before.outcome);
     const std::string is = NameOf(user.after.outcome);
-    std::string text = Quoted(user.user) + ": " + (was == is ? is : was + " before, " + is + " now") +
-                       (user.because.empty() ? "" : "; " + user.because) + "\n";
+    std::string text =
+        fmt::format("{}: {}{}{}\n", Quoted(user.user), was == is ? is : fmt::format("{} before, {} now", was, is),
+                    user.because.empty() ? "" : "; ", user.because);
     for (const analysis::FieldChange& field : user.fields) {
         text += FieldText(field, isFull);
     }

@@ -1,28 +1,28 @@
-// A comparison as programs read it. The keys are documented and stay.
-#include "tools/acfilter/render/ComparisonWriter.h"
+// A diff as programs read it. The keys are documented and stay.
+#include "tools/acfilter/render/DiffWriter.h"
 
 #include "tools/acfilter/render/Json.h"
 
 namespace secm::acfilter {
 
-std::string SummaryJson(const Comparison& comparison)
+std::string SummaryJson(const DiffSummary& summary)
 {
-    Json object = {{"repository", comparison.head.repository},
-                   {"before", comparison.head.before},
-                   {"after", comparison.head.after},
-                   {"otherSecurityDatabase", comparison.head.hasOtherDatabase},
-                   {"excluding", comparison.head.excluding}};
+    Json object = {{"repository", summary.head.repository},
+                   {"before", summary.head.before},
+                   {"after", summary.head.after},
+                   {"otherSecurityDatabase", summary.head.hasOtherDatabase},
+                   {"excluding", summary.head.excluding}};
     for (const analysis::Change change :
          {analysis::Change::wider, analysis::Change::changed, analysis::Change::narrower, analysis::Change::same}) {
-        object[NameOf(change)] = comparison.CountOf(change);
+        object[NameOf(change)] = summary.CountOf(change);
     }
-    object["unknown"] = comparison.UnknownCount();
+    object["unknown"] = summary.unknownCount;
     object["firstUnknown"] = Json::array();
-    for (const UnknownUser& user : comparison.FirstUnknown()) {
+    for (const UnknownUser& user : summary.firstUnknown) {
         object["firstUnknown"].push_back({{"user", user.name}, {"known", TextOrNull(user.known)}});
     }
     object["settings"] = Json::array();
-    for (const analysis::SettingChange& setting : comparison.Settings()) {
+    for (const analysis::SettingChange& setting : summary.settings) {
         object["settings"].push_back({{"setting", setting.setting},
                                       {"change", NameOf(setting.change)},
                                       {"before", setting.before},

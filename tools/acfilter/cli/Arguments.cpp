@@ -1,4 +1,4 @@
-#include "tools/acfilter/cli/TextOption.h"
+#include "tools/acfilter/cli/Arguments.h"
 
 #include <algorithm>
 
@@ -9,18 +9,10 @@ namespace {
 // No argument of a process can hold it.
 constexpr char mark = '\0';
 
-bool TakesValue(const CLI::App& app, const std::string& optionName)
-{
-    const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
-    return std::any_of(commands.begin(), commands.end(), [&](const CLI::App* command) {
-        const CLI::Option* option = command->get_option_no_throw(optionName);
-        return option != nullptr && option->get_items_expected_max() > 0;
-    });
-}
-
 } // namespace
 
-std::vector<std::string> MarkedArguments(const CLI::App& app, int argc, const char* const* argv)
+std::vector<std::string> MarkedArguments(int argc, const char* const* argv,
+                                         const std::function<bool(const std::string& optionName)>& takesValue)
 {
     std::vector<std::string> arguments;
     bool onlyNamesFollow = false;
@@ -32,7 +24,7 @@ std::vector<std::string> MarkedArguments(const CLI::App& app, int argc, const ch
             arguments.push_back(mark + argument);
         } else if (argument == "--") {
             onlyNamesFollow = true;
-        } else if (argument.starts_with('-') && argument.ends_with('=') && TakesValue(app, beforeEnd)) {
+        } else if (argument.starts_with('-') && argument.ends_with('=') && takesValue(beforeEnd)) {
             arguments.insert(arguments.end(), {beforeEnd, std::string(1, mark)});
         } else {
             arguments.push_back(argument);
@@ -42,12 +34,11 @@ std::vector<std::string> MarkedArguments(const CLI::App& app, int argc, const ch
     return arguments;
 }
 
-std::string WithoutMark(std::string& text)
+void RemoveMark(std::string& argument)
 {
-    if (text.starts_with(mark)) {
-        text.erase(0, 1);
+    if (argument.starts_with(mark)) {
+        argument.erase(0, 1);
     }
-    return {}; // no objection
 }
 
 } // namespace secm::acfilter

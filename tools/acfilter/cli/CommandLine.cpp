@@ -1,0 +1,256 @@
+// The only file that includes the option parser, which takes long to compile.
+#include "tools/acfilter/cli/CommandLine.h"
+
+#include "platform/Version.h"
+#include "tools/acfilter/cli/Arguments.h"
+#include "tools/acfilter/cli/Message.h"
+#include "tools/acfilter/commands/CheckCommand.h"
+#include "tools/acfilter/commands/CommonOptions.h"
+#include "tools/acfilter/commands/DiffCommand.h"
+#include "tools/acfilter/commands/Errors.h"
+#include "tools/acfilter/commands/ExplainCommand.h"
+#include "tools/acfilter/commands/FilterCommand.h"
+#include "tools/acfilter/commands/ReportCommand.h"
+#include "tools/acfilter/io/OutputFile.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace secm::acfilter {
+
+namespace {
+
+// Makes the option take its texts as they were typed.
+CLI::Option* TakeAsTyped(CLI::Option* option)
+{
+    const auto removeMark = [](std::string& text) {
+        RemoveMark(text);
+        return std::string(); // no objection
+    };
+    return option->transform(CLI::Validator(removeMark, ""));
+}
+
+// Adds an option with a value, which must live until the option has been parsed.
+template <class Value>
+CLI::Option* AddOption(CLI::App& command, const std::string& name, Value& value, const std::string& help)
+{
+    CLI::Option* option = TakeAsTyped(command.add_option(name, value, help));
+    if constexpr (std::is_convertible_v<int, Value>) { // an empty text would be taken for 0
+        option->check([](const std::string& text) { return text.empty() ? "a number is missing" : std::string(); });
+    }
+    return option;
+}
+
+void AddFormat(CLI::App& command, Format& format, const std::string& help, const std::vector<std::string>& names)
+{
+    static const std::map<std::string, Format> formats = {
+        {"text", Format::text}, {"csv", Format::csv}, {"json", Format::json}, {"html", Format::html}};
+    const auto choose = [&format](const std::string& name) { format = formats.at(name); };
+    TakeAsTyped(command.add_option_function<std::string>("--format", choose, help))->check(CLI::IsMember(names));
+}
+
+// What a command cannot do without; the configuration always.
+struct Required {
+    bool securityDatabase = true;
+    bool repository = true;
+};
+
+void AddHostOptions(CLI::App& command, HostOptions& options, Required required)
+{
+    AddOption(command, "-c,--config", options.configuration, "The configuration: a TOML file, or a folder of them")
+        ->envname("CFG_REPOSITORY")
+        ->type_name("PATH")
+        ->required();
+    AddOption(command, "-s,--security", options.securityDatabase,
+              "The security database: sqlite3://db=FILE or postgresql://host=... dbname=...")
+        ->envname("SECM_CONNECTION")
+        ->type_name("CONNECT")
+        ->required(required.securityDatabase);
+    AddOption(command, "-r,--repository", options.repository, "The repository of the configuration to ask")
+        ->type_name("NAME")
+        ->required(required.repository);
+    AddOption(command, "--timeout", options.timeoutSeconds, "Limit for connecting and for each statement, in seconds")
+        ->type_name("SECONDS");
+    AddOption(command, "--log-level", options.logLevel, "Log this level and below: 3 failures ... 7 traces")
+        ->type_name("N");
+    AddOption(command, "--log-file", options.logFile, "Append the log to this file; else to standard error")
+        ->type_name("PATH");
+}
+
+void AddRequestOptions(CLI::App& command, RequestOptions& options, const std::string& formatHelp,
+                       const std::vector<std::string>& formats = {"text", "json"})
+{
+    AddOption(command, "--ip", options.ipAddress, "The address that the users log in from")->type_name("ADDRESS");
+    command.add_flag("--no-login", options.withoutLogin, "Ask by user name, without logging the user in");
+    AddFormat(command, options.format, formatHelp, formats);
+}
+
+void AddOptions(CLI::App& command, FilterOptions& options)
+{
+    AddHostOptions(command, options.host, {});
+    AddRequestOptions(command, options.request, "text: the filter's bytes; json: one object a line");
+    CLI::Option* users = AddOption(command, "USER", options.users, "User names; one that begins with - after --");
+    users->type_name("");
+    AddOption(command, "--users-from", options.usersFrom, "A file of user names, one a line; - for standard input")
+        ->excludes(users)
+        ->type_name("FILE");
+}
+
+void AddOptions(CLI::App& command, ExplainOptions& options)
+{
+    AddHostOptions(command, options.host, {});
+    AddRequestOptions(command, options.request, "text: for people; json: one object, for programs");
+    command.add_flag("--full", options.isFull, "Show long lists and texts whole");
+    const auto addChange = [&](const char* name, std::vector<std::string>& texts, const char* help, const char* form) {
+        AddOption(command, name, texts, help)->allow_extra_args(false)->type_name(form);
+    };
+    addChange("--attribute", options.attributes, "As if the user had this attribute", "NAME=VALUE");
+    addChange("--grant", options.grants, "As if this were granted too; without a resource, outright",
+              "NAME:VALUE[:RESOURCE]");
+    addChange("--revoke", options.revocations, "As if this were not granted, neither to the user nor to the group",
+              "NAME[:RESOURCE]");
+    AddOption(command, "USER", options.user, "The user's name; one that begins with - after --")
+        ->required()
+        ->type_name("");
+}
+
+void AddOptions(CLI::App& command, CheckOptions& options)
+{
+    AddHostOptions(command, options.host, {.securityDatabase = false, .repository = false});
+    command.add_flag("--strict", options.isStrict, "Let warnings count as errors for the exit status");
+    AddFormat(command, options.format, "text for people; json: one object a line", {"text", "json"});
+    command.get_option("--repository")->each([&options](const std::string&) { options.oneRepository = true; });
+    command.get_option("--security")->each([&options](const std::string&) { options.withSecurity = true; });
+}
+
+void AddOptions(CLI::App& command, ReportOptions& options)
+{
+    AddHostOptions(command, options.host, {});
+    AddRequestOptions(command, options.request,
+                      "text: a table for people; csv; json: one object a line; html: one page to keep",
+                      {"text", "csv", "json", "html"});
+    AddOption(command, "--users-from", options.usersFrom,
+              "A file of user names, one a line; - for standard input; else every user of the security database")
+        ->type_name("FILE");
+    AddOption(command, "--output", options.output,
+              "Write to this file, which is replaced once all is written; else to standard output")
+        ->type_name("FILE");
+    command.add_flag("--values", options.showValues, "Show the values of each field, not only how many there are");
+    command.add_flag("--full", options.isFull, "Show long lists and texts whole in text");
+}
+
+void AddOptions(CLI::App& command, DiffOptions& options)
+{
+    AddHostOptions(command, options.host, {});
+    AddOption(command, "--to", options.toConfiguration, "The configuration to compare with")
+        ->type_name("PATH")
+        ->required();
+    AddOption(command, "--to-security", options.toSecurityDatabase,
+              "The security database to compare with; else the same")
+        ->type_name("CONNECT");
+    AddRequestOptions(command, options.request, "text: for people; json: one object a line, the summary first");
+    AddOption(command, "--users-from", options.usersFrom,
+              "A file of user names, one a line; - for standard input; else every user of both security databases")
+        ->type_name("FILE");
+    AddOption(command, "--excluding", options.excluding,
+              "A field whose values are left out of what is shown, so that more of them show less")
+        ->allow_extra_args(false)
+        ->type_name("FIELD");
+    command.add_flag("--full", options.isFull, "Show long lists and texts whole");
+    command.add_flag("--strict", options.isStrict, "Exit with 4 also when it cannot be told of somebody");
+}
+
+class CommandLine {
+public:
+    CommandLine()
+    {
+        app.set_version_flag("--version", std::string("acfilter ") + version);
+        app.require_subcommand(1);
+        AddCommand("filter", "Print the access-control filter of each user, one a line", filter, RunFilter);
+        AddCommand("explain", "Tell how one user's filter comes about, step by step", explain, RunExplain);
+        AddCommand("check", "Report what is wrong with a configuration, and what to do", check, RunCheck);
+        AddCommand("report", "Tell who sees what: a row a user, a column a field", report, RunReport);
+        AddCommand("diff", "Tell who would see more or less under another configuration or other permissions", diff,
+                   RunDiff);
+    }
+
+    bool HasCommand(const std::string& name) const
+    {
+        return !app.get_subcommands([&](const CLI::App* command) { return command->check_name(name); }).empty();
+    }
+
+    ExitStatus Run(int argc, const char* const* argv)
+    {
+        try {
+            app.parse(MarkedArguments(argc, argv, [this](const std::string& option) { return TakesValue(option); }));
+        } catch (const CLI::Success& request) {
+            PrintAnswer(request);
+            return ExitStatus::success;
+        } catch (const CLI::ParseError& error) {
+            throw UsageError(error.what());
+        }
+        return run();
+    }
+
+private:
+    // Parsing sets `run`; the command runs when the whole line has been parsed.
+    template <class Options>
+    void AddCommand(const char* name, const char* help, Options& options, ExitStatus (*runCommand)(const Options&))
+    {
+        CLI::App* command = app.add_subcommand(name, help);
+        AddOptions(*command, options);
+        command->callback(
+            [this, &options, runCommand] { run = [&options, runCommand] { return runCommand(options); }; });
+    }
+
+    bool TakesValue(const std::string& optionName) const
+    {
+        const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
+        return std::any_of(commands.begin(), commands.end(), [&](const CLI::App* command) {
+            const CLI::Option* option = command->get_option_no_throw(optionName);
+            return option != nullptr && option->get_items_expected_max() > 0;
+        });
+    }
+
+    // What --help or --version asks for.
+    void PrintAnswer(const CLI::Success& request) const
+    {
+        std::ostringstream answer;
+        app.exit(request, answer);
+        OutputFile output(std::nullopt);
+        output.Write(answer.str());
+        output.Finish();
+    }
+
+    CLI::App app{"Access-control filters, user by user", "acfilter"};
+    std::function<ExitStatus()> run;
+    FilterOptions filter;
+    ExplainOptions explain;
+    CheckOptions check;
+    ReportOptions report;
+    DiffOptions diff;
+};
+
+} // namespace
+
+ExitStatus RunCommandLine(int argc, const char* const* argv)
+{
+    CommandLine commandLine;
+    if (argc > 1 && argv[1][0] != '-' && !commandLine.HasCommand(argv[1])) {
+        const std::string message = std::string("there is no command '") + argv[1] + "'; see acfilter --help";
+        std::fputs(Message(message).c_str(), stderr);
+        return ExitStatus::wrongCommandLine;
+    }
+    return commandLine.Run(argc, argv);
+}
+
+} // namespace secm::acfilter

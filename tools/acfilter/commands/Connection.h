@@ -1,0 +1,21 @@
+// Connects what answers requests to the security database that the options name.
+#pragma once
+
+#include "tools/acfilter/commands/CommonOptions.h"
+
+#include <string>
+
+class SECM_AccessControlInterface;
+
+namespace secm::analysis {
+class Tracer;
+}
+
+namespace secm::acfilter {
+
+/// `option` is the one that named the database. Throws std::runtime_error when the security manager refuses.
+void Connect(SECM_AccessControlInterface& accessControl, const HostOptions& options,
+             const std::string& option = "--security");
+void Connect(analysis::Tracer& tracer, const HostOptions& options, const std::string& option = "--security");
+
+} // namespace secm::acfilter

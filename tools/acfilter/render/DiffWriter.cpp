@@ -1,0 +1,74 @@
+#include "tools/acfilter/render/DiffWriter.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace secm::acfilter {
+
+namespace {
+
+constexpr std::size_t mostNamed = 5;
+
+const char* TitleOf(analysis::Change change)
+{
+    switch (change) {
+    case analysis::Change::wider:
+        return "Wider";
+    case analysis::Change::narrower:
+        return "Narrower";
+    default:
+        return "Changed, so that it cannot be told";
+    }
+}
+
+} // namespace
+
+bool DiffSummary::Holds(analysis::Change change) const
+{
+    return CountOf(change) != 0 ||
+           std::any_of(settings.begin(), settings.end(),
+                       [change](const analysis::SettingChange& each) { return each.change == change; });
+}
+
+DiffWriter::DiffWriter(DiffHead head, TextOutput& textOutput, bool forPrograms, bool isFull)
+    : output(textOutput), isForPrograms(forPrograms), areTextsWhole(isFull)
+{
+    summary.head = std::move(head);
+    for (auto& lines : users) {
+        lines = output.MakeWaitingLines();
+    }
+}
+
+void DiffWriter::Add(const analysis::UserChange& user)
+{
+    const auto kind = static_cast<std::size_t>(user.change);
+    ++summary.counts.at(kind);
+    if (kind < users.size()) {
+        users.at(kind)->Write(isForPrograms ? UserChangeJson(user) : UserChangeText(user, areTextsWhole));
+    }
+}
+
+void DiffWriter::AddUnknown(const UnknownUser& user)
+{
+    ++summary.unknownCount;
+    if (summary.firstUnknown.size() < mostNamed) {
+        summary.firstUnknown.push_back(user);
+    }
+}
+
+void DiffWriter::Finish()
+{
+    output.Write(isForPrograms ? SummaryJson(summary) : SummaryText(summary));
+    for (const analysis::Change change : shownChanges) {
+        if (!isForPrograms && summary.CountOf(change) != 0) {
+            output.Write(fmt::format("\n{}\n", TitleOf(change)));
+        }
+        users.at(static_cast<std::size_t>(change))->ForEachLine([&](std::string_view line) {
+            output.Write(fmt::format("{}\n", line));
+        });
+    }
+}
+
+} // namespace secm::acfilter
