@@ -1,10 +1,12 @@
 #include "analysis/check/CheckedConfiguration.h"
 
+#include "SECM_AccessControl/TemplateLanguage.h"
 #include "analysis/definitions/KnownKeys.h"
-#include "platform/configuration/CFG_RepositoryServices.h"
+#include "platform/configuration/CFG_Listing.h"
 #include "platform/configuration/ConfigurationPaths.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace secm::analysis {
 
@@ -15,7 +17,7 @@ std::string ParentOf(const std::string& path)
     return path.substr(0, path.rfind('\\'));
 }
 
-CheckedCondition ReadCondition(RulesManager& manager, const FieldRule& field, const ConditionRule& rule)
+CheckedCondition CheckedConditionOf(const ConditionRule& rule, const FieldRule& field, RulesManager& manager)
 {
     CheckedCondition condition{&rule, {}, false};
     for (const std::string& token : rule.replaceTokens) {
@@ -29,14 +31,12 @@ CheckedCondition ReadCondition(RulesManager& manager, const FieldRule& field, co
 
 CheckedRepository ReadRepository(const CFG_Entry& entry, const DefinitionReader& reader)
 {
-    CheckedRepository repository{entry.name,
-                                 {RepositoriesPath() + "\\" + entry.name, entry.place},
-                                 std::make_unique<RulesManager>(entry.name, reader),
-                                 {}};
-    for (const auto& rule : repository.manager->Rules().all) {
+    CheckedRepository repository{
+        std::make_unique<RulesManager>(entry.name, reader), {RepositoriesPath() + "\\" + entry.name, entry.place}, {}};
+    for (const auto& rule : repository.Rules().all) {
         CheckedDefinition definition{rule, {rule->path, rule->place}, {}};
         for (const ConditionRule& condition : rule->conditions) {
-            definition.conditions.push_back(ReadCondition(*repository.manager, *rule, condition));
+            definition.conditions.push_back(CheckedConditionOf(condition, *rule, *repository.manager));
         }
         repository.definitions.push_back(std::move(definition));
     }
@@ -79,6 +79,21 @@ bool CheckedCondition::HasToken() const
     return std::any_of(tokens.begin(), tokens.end(), [&](const std::string& token) { return Has(token); });
 }
 
+std::vector<CheckedScope> ScopesMappedBy(std::string_view function, const std::vector<CheckedRepository>& repositories)
+{
+    std::vector<CheckedScope> scopes;
+    for (const CheckedRepository& repository : repositories) {
+        for (const CheckedDefinition& definition : repository.definitions) {
+            for (const CheckedCondition& condition : definition.conditions) {
+                if (condition.rule->isMapped && condition.rule->function == function) {
+                    scopes.push_back({repository, definition, condition});
+                }
+            }
+        }
+    }
+    return scopes;
+}
+
 std::string AccessControlPath()
 {
     return ParentOf(FieldsPath());
@@ -105,12 +120,12 @@ std::vector<std::string> TableNames(const std::string& path)
     return names;
 }
 
-std::vector<CheckedRepository> ReadRepositories(const std::string* name)
+std::vector<CheckedRepository> ReadRepositories(const std::optional<std::string>& name)
 {
     const DefinitionReader reader;
     std::vector<CheckedRepository> repositories;
     for (const CFG_Entry& entry : CFG_ListEntries(RepositoriesPath())) {
-        if (entry.isNode && (name == nullptr || entry.name == *name)) {
+        if (entry.isNode && (!name || entry.name == *name)) {
             repositories.push_back(ReadRepository(entry, reader));
         }
     }

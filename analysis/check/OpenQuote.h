@@ -1,4 +1,4 @@
-// Quotes as most query languages have them: what opens a text closes it, and twice is one inside.
+// The quotes of most query languages: a text ends at the mark that opened it, and the mark twice stands for itself.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace secm::analysis {
 
-/// The quote (', " or `) of the text that is not closed at the end of `part`; empty: there is none.
+/// The quote (', " or `) of the text that is still open at the end of `part`; empty when none is.
 inline std::string OpenQuote(std::string_view part)
 {
     std::string open;

@@ -1,7 +1,13 @@
-// The settings of a repository.
-#include "analysis/check/ConfigurationCheck.h"
+// The settings of a repository: filters for everybody, operators and delimiters.
+#include "analysis/check/CheckRules.h"
+
+#include "SECM_AccessControl/TemplateLanguage.h"
+
+#include <fmt/core.h>
 
 #include <algorithm>
+#include <string>
+#include <string_view>
 
 namespace secm::analysis {
 
@@ -41,52 +47,53 @@ std::string BlankFilter(const std::string& filter)
     return filter.empty() ? "the empty filter" : "a filter that restricts nothing";
 }
 
-void NothingIsHidden(const CheckedRepository& repository, Report& report)
+void NothingIsHidden(const CheckedRepository& repository, FindingSink& sink)
 {
-    const std::string& filter = repository.manager->Rules().settings.hideAllFilter;
+    const std::string& filter = repository.Rules().settings.hideAllFilter;
     if (IsBlank(filter)) {
-        report.Error("AC001", repository.table.PlaceOf("hide_all_filter"), Lack(repository, "hide_all_filter", filter),
-                     "users for whom a restriction cannot be written, such as those whom nobody granted a value, get " +
-                         BlankFilter(filter) +
-                         " and see every record; so does everybody while there is no security manager",
-                     "write a filter that no record matches, such as hide_all_filter = \"1 = 0\"");
+        sink.Error("AC001", repository.table.PlaceOf("hide_all_filter"), Lack(repository, "hide_all_filter", filter),
+                   fmt::format("users for whom a restriction cannot be written, such as those whom nobody granted a "
+                               "value, get {} and see every record; so does everybody while there is no security "
+                               "manager",
+                               BlankFilter(filter)),
+                   "write a filter that no record matches, such as hide_all_filter = \"1 = 0\"");
     }
 }
 
-void HiddenLikeUnknown(const CheckedRepository& repository, Report& report)
+void HiddenLikeUnknown(const CheckedRepository& repository, FindingSink& sink)
 {
-    const RulesManager& manager = *repository.manager;
-    if (!IsBlank(manager.Rules().settings.hideAllFilter) &&
-        manager.Rules().settings.hideAllFilter == manager.Rules().settings.defaultFilter) {
-        report.Error("AC002", repository.table.PlaceOf("hide_all_filter"),
-                     "hide_all_filter and default_filter are both '" + manager.Rules().settings.hideAllFilter + "'",
-                     "users for whom a restriction cannot be written see what unknown users see, and nobody can tell "
-                     "the two answers apart",
-                     "let hide_all_filter match no record; where unknown users too must see nothing, write the two "
-                     "differently, such as \"1 = 0\" and \"0 = 1\"");
+    const FilterSettings& settings = repository.Rules().settings;
+    if (!IsBlank(settings.hideAllFilter) && settings.hideAllFilter == settings.defaultFilter) {
+        sink.Error("AC002", repository.table.PlaceOf("hide_all_filter"),
+                   fmt::format("hide_all_filter and default_filter are both '{}'", settings.hideAllFilter),
+                   "users for whom a restriction cannot be written see what unknown users see, and nobody can tell "
+                   "the two answers apart",
+                   "let hide_all_filter match no record; where unknown users too must see nothing, write the two "
+                   "differently, such as \"1 = 0\" and \"0 = 1\"");
     }
 }
 
-void NoFields(const CheckedRepository& repository, Report& report)
+void NoFields(const CheckedRepository& repository, FindingSink& sink)
 {
-    if (repository.manager->Rules().fields.empty()) {
+    if (repository.Rules().fields.empty()) {
         const bool hasSome = !repository.definitions.empty();
-        report.Error("AC003", repository.table.place,
-                     "the repository '" + repository.name + "' has no field " +
-                         (hasSome ? "that is not left out" : "at all"),
-                     "every user who is known gets the empty filter and sees every record",
-                     hasSome ? "mend its fields (AC004)"
-                             : "add a table fields.FIELD." + repository.name + " for each field that restricts users");
+        const std::string& name = repository.Rules().repository;
+        sink.Error(
+            "AC003", repository.table.place,
+            fmt::format("the repository '{}' has no field {}", name, hasSome ? "that is not left out" : "at all"),
+            "every user who is known gets the empty filter and sees every record",
+            hasSome ? "mend its fields (AC004)"
+                    : fmt::format("add a table fields.FIELD.{} for each field that restricts users", name));
     }
 }
 
-// Where a kept template holds `placeholder`, in words; empty: none does.
+// The first condition that holds `placeholder`, in words; empty when none does.
 std::string FirstUse(const CheckedRepository& repository, std::string_view placeholder)
 {
     for (const CheckedDefinition& definition : repository.definitions) {
         for (const CheckedCondition& condition : definition.conditions) {
             if (condition.Has(placeholder)) {
-                return condition.Key("condition") + " of the field '" + definition.rule->name + "'";
+                return fmt::format("{} of the field '{}'", condition.Key("condition"), definition.rule->name);
             }
         }
     }
@@ -95,92 +102,92 @@ std::string FirstUse(const CheckedRepository& repository, std::string_view place
 
 bool LacksDelimiter(const CheckedRepository& repository)
 {
-    return repository.manager->Rules().settings.valueMultiplicityDelimiter.empty() &&
+    return repository.Rules().settings.valueMultiplicityDelimiter.empty() &&
            !FirstUse(repository, valuesPlaceholder).empty();
 }
 
 // Whether something stands around a list of values.
-bool IsListFramed(const RulesManager& manager)
+bool IsListFramed(const FilterSettings& settings)
 {
-    return !manager.Rules().settings.valueMultiplicityPrefix.empty() ||
-           !manager.Rules().settings.valueMultiplicitySuffix.empty();
+    return !settings.valueMultiplicityPrefix.empty() || !settings.valueMultiplicitySuffix.empty();
 }
 
-void ValuesRunTogether(const CheckedRepository& repository, Report& report)
+void ValuesRunTogether(const CheckedRepository& repository, FindingSink& sink)
 {
-    if (LacksDelimiter(repository) && !IsListFramed(*repository.manager)) {
-        report.Error("AC009", repository.table.PlaceOf("value_multiplicity_delimiter"),
-                     repository.table.Lack("value_multiplicity_delimiter") +
-                         ", and so are value_multiplicity_prefix and value_multiplicity_suffix",
-                     "users with two values or more get them run together (A and B as AB): they see other records than "
-                     "they were granted, or none",
-                     "write what stands between two values, such as value_multiplicity_delimiter = \"', '\"");
+    if (LacksDelimiter(repository) && !IsListFramed(repository.Rules().settings)) {
+        sink.Error("AC009", repository.table.PlaceOf("value_multiplicity_delimiter"),
+                   repository.table.Lack("value_multiplicity_delimiter") +
+                       ", and so are value_multiplicity_prefix and value_multiplicity_suffix",
+                   "users with two values or more get them run together (A and B as AB): they see other records than "
+                   "they were granted, or none",
+                   "write what stands between two values, such as value_multiplicity_delimiter = \"', '\"");
     }
 }
 
-void OperatorIsEmpty(const CheckedRepository& repository, const std::string& key, const std::string& users,
-                     const std::string& example, Report& report)
+void OperatorIsEmpty(const CheckedRepository& repository, const char* key, const char* users, const char* example,
+                     FindingSink& sink)
 {
     const std::string use = FirstUse(repository, equalOperatorPlaceholder);
     if (!use.empty()) {
-        report.Error("AC010", repository.table.PlaceOf(key),
-                     repository.table.Lack(key) + ", and " + use + " asks for it by %equal_operator%",
-                     "users with " + users +
-                         " get a condition without an operator, which the host most likely cannot run",
-                     "write the operator, such as " + key + " = \"" + example + "\"");
+        sink.Error(
+            "AC010", repository.table.PlaceOf(key),
+            fmt::format("{}, and {} asks for it by %equal_operator%", repository.table.Lack(key), use),
+            fmt::format("users with {} get a condition without an operator, which the host most likely cannot run",
+                        users),
+            fmt::format("write the operator, such as {} = \"{}\"", key, example));
     }
 }
 
-void OperatorsAreEmpty(const CheckedRepository& repository, Report& report)
+void OperatorsAreEmpty(const CheckedRepository& repository, FindingSink& sink)
 {
-    if (repository.manager->Rules().settings.singleEqualOperator.empty()) {
-        OperatorIsEmpty(repository, "single_equal_operator", "one value", "=", report);
+    if (repository.Rules().settings.singleEqualOperator.empty()) {
+        OperatorIsEmpty(repository, "single_equal_operator", "one value", "=", sink);
     }
-    if (repository.manager->Rules().settings.multipleEqualOperator.empty()) {
-        OperatorIsEmpty(repository, "multiple_equal_operator", "several values", "IN", report);
-    }
-}
-
-void ClausesRunTogether(const CheckedRepository& repository, Report& report)
-{
-    if (repository.manager->Rules().settings.filterDelimiter.empty() && repository.manager->Rules().fields.size() > 1) {
-        report.Warn("AC020", repository.table.PlaceOf("filter_delimiter"), repository.table.Lack("filter_delimiter"),
-                    "users whom two fields restrict get the two clauses side by side, which few query languages take "
-                    "for AND",
-                    "write what stands between two clauses, such as filter_delimiter = \" AND \"");
+    if (repository.Rules().settings.multipleEqualOperator.empty()) {
+        OperatorIsEmpty(repository, "multiple_equal_operator", "several values", "IN", sink);
     }
 }
 
-void StrangersSeeEverything(const CheckedRepository& repository, Report& report)
+void ClausesRunTogether(const CheckedRepository& repository, FindingSink& sink)
 {
-    const std::string& filter = repository.manager->Rules().settings.defaultFilter;
+    if (repository.Rules().settings.filterDelimiter.empty() && repository.Rules().fields.size() > 1) {
+        sink.Warn("AC020", repository.table.PlaceOf("filter_delimiter"), repository.table.Lack("filter_delimiter"),
+                  "users whom two fields restrict get the two clauses side by side, which few query languages take "
+                  "for AND",
+                  "write what stands between two clauses, such as filter_delimiter = \" AND \"");
+    }
+}
+
+void StrangersSeeEverything(const CheckedRepository& repository, FindingSink& sink)
+{
+    const std::string& filter = repository.Rules().settings.defaultFilter;
     if (IsBlank(filter)) {
-        report.Warn("AC033", repository.table.PlaceOf("default_filter"), Lack(repository, "default_filter", filter),
-                    "users whom the security database does not know get " + BlankFilter(filter) +
-                        " and see every record",
-                    "write what such users may see, such as default_filter = \"0 = 1\" for nothing");
+        sink.Warn("AC033", repository.table.PlaceOf("default_filter"), Lack(repository, "default_filter", filter),
+                  fmt::format("users whom the security database does not know get {} and see every record",
+                              BlankFilter(filter)),
+                  "write what such users may see, such as default_filter = \"0 = 1\" for nothing");
     }
 }
 
-void ValuesOnlyFramed(const CheckedRepository& repository, Report& report)
+void ValuesOnlyFramed(const CheckedRepository& repository, FindingSink& sink)
 {
-    if (LacksDelimiter(repository) && IsListFramed(*repository.manager)) {
-        report.Warn("AC035", repository.table.PlaceOf("value_multiplicity_delimiter"),
-                    repository.table.Lack("value_multiplicity_delimiter") +
-                        "; value_multiplicity_prefix and value_multiplicity_suffix stand around the whole list only",
-                    "users with two values or more get them side by side (A and B as AB), which few query languages "
-                    "take for two",
-                    "write what stands between two values, such as value_multiplicity_delimiter = \"', '\"");
+    if (LacksDelimiter(repository) && IsListFramed(repository.Rules().settings)) {
+        sink.Warn("AC035", repository.table.PlaceOf("value_multiplicity_delimiter"),
+                  repository.table.Lack("value_multiplicity_delimiter") +
+                      "; value_multiplicity_prefix and value_multiplicity_suffix stand around the whole list only",
+                  "users with two values or more get them side by side (A and B as AB), which few query languages "
+                  "take for two",
+                  "write what stands between two values, such as value_multiplicity_delimiter = \"', '\"");
     }
 }
 
 } // namespace
 
-void CheckSettings(const CheckedRepository& repository, Report& report)
+void CheckSettings(const CheckedRepository& repository, FindingSink& sink)
 {
     for (const auto rule : {NothingIsHidden, HiddenLikeUnknown, NoFields, ValuesRunTogether, OperatorsAreEmpty,
                             ClausesRunTogether, StrangersSeeEverything, ValuesOnlyFramed}) {
-        rule(repository, report);
+        rule(repository, sink);
     }
 }
 

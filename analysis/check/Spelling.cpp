@@ -1,5 +1,7 @@
 #include "analysis/check/Spelling.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cctype>
 #include <numeric>
@@ -23,7 +25,7 @@ std::size_t Distance(std::string_view left, std::string_view right)
     const auto isSame = [&](std::size_t ofLeft, std::size_t ofRight) {
         return Lower(left[ofLeft]) == Lower(right[ofRight]);
     };
-    // Of the beginnings of `left` that end here, one and two characters before, to each beginning of `right`.
+    // The distances from the first `row` + 1, `row` and `row` - 1 bytes of `left` to each beginning of `right`.
     std::vector<std::size_t> here(right.size() + 1);
     std::iota(here.begin(), here.end(), std::size_t{0});
     std::vector<std::size_t> before;
@@ -44,9 +46,13 @@ std::size_t Distance(std::string_view left, std::string_view right)
 std::string Nearest(const std::string& name, const std::vector<std::string>& names)
 {
     std::string nearest;
-    // A name of which nothing is left has nothing in common.
+    // Not as far as the whole name is long: the two would have nothing in common.
     std::size_t limit = std::min(farthest + 1, name.size());
     for (const std::string& candidate : names) {
+        const std::size_t lengths = std::max(name.size(), candidate.size()) - std::min(name.size(), candidate.size());
+        if (lengths >= limit) {
+            continue; // the distance is at least that
+        }
         const std::size_t distance = Distance(name, candidate);
         if (distance < limit && candidate != name) {
             limit = distance;
@@ -59,7 +65,7 @@ std::string Nearest(const std::string& name, const std::vector<std::string>& nam
 std::string DidYouMean(const std::string& name, const std::vector<std::string>& names, const std::string& otherwise)
 {
     const std::string nearest = Nearest(name, names);
-    return nearest.empty() ? otherwise : "did you mean '" + nearest + "'? else " + otherwise;
+    return nearest.empty() ? otherwise : fmt::format("did you mean '{}'? else {}", nearest, otherwise);
 }
 
 } // namespace secm::analysis

@@ -3,7 +3,10 @@
 #include "platform/configuration/CFG_RepositoryServices.h"
 #include "platform/configuration/ConfigurationPaths.h"
 
+#include <fmt/core.h>
+
 #include <cstdint>
+#include <memory>
 
 namespace secm::analysis {
 namespace {
@@ -11,12 +14,13 @@ namespace {
 unsigned CountConditions(const CFG_RepositoryServices& definition)
 {
     unsigned count = 0;
-    while (!TextOf(definition, "condition" + std::to_string(count + 1)).empty()) {
+    while (!TextOf(definition, fmt::format("condition{}", count + 1)).empty()) {
         ++count;
     }
     return count;
 }
 
+// In the order of the configuration.
 std::vector<CFG_Entry> TablesUnder(const CFG_RepositoryServices& root, const std::string& path)
 {
     std::vector<CFG_Entry> found;
@@ -65,8 +69,9 @@ std::vector<OmissionReason> ReasonsToOmit(const CFG_RepositoryServices& definiti
     if (!permissionValue && permissionText.empty()) {
         reasons.push_back({"permission_value", "permission_value is missing or empty"});
     } else if (!permissionValue) {
-        reasons.push_back({"permission_value", "permission_value '" + permissionText +
-                                                   "' is no whole number from -2147483648 to 4294967295"});
+        reasons.push_back({"permission_value", fmt::format("permission_value '{}' is no whole number from -2147483648 "
+                                                           "to 4294967295",
+                                                           permissionText)});
     }
     if (TextOf(definition, "permission_name").empty()) {
         reasons.push_back({"permission_name", "permission_name is missing or empty"});
@@ -75,8 +80,9 @@ std::vector<OmissionReason> ReasonsToOmit(const CFG_RepositoryServices& definiti
     if (conditions == 0) {
         reasons.push_back({"condition1", "condition1 is missing or empty"});
     } else if (conditions > 1 && TextOf(definition, "conditions_delimiter").empty()) {
-        reasons.push_back({"conditions_delimiter", "there are " + std::to_string(conditions) +
-                                                       " conditions, and conditions_delimiter is missing or empty"});
+        reasons.push_back(
+            {"conditions_delimiter",
+             fmt::format("there are {} conditions, and conditions_delimiter is missing or empty", conditions)});
     }
     return reasons;
 }

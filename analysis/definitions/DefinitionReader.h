@@ -1,5 +1,5 @@
-// Reads what the module does not keep of a definition: the field's name, the place of its table, and why it was left
-// out.
+// Reads what the module does not keep of a definition: the field's name, the place of its table, and why the module
+// leaves the definition out.
 #pragma once
 
 #include "analysis/definitions/Rules.h"
@@ -16,14 +16,14 @@ namespace secm::analysis {
 struct DefinitionTable {
     std::string field;
     std::string path;
-    CFG_Place place; ///< No file where the configuration library tells no places.
+    CFG_Place place; ///< No file when the configuration library cannot list (CFG_ListEntries is null).
 };
 
-/// The definitions of the configuration that is in force for the calling thread when the object is made. One object
-/// serves any number of repositories; each is found without looking at the others.
+/// The definitions of the configuration that is in force for the calling thread when the object is made. Lists all
+/// tables once, so that many repositories cost no more than one. Only read afterwards: any thread may call.
 class DefinitionReader {
 public:
-    /// Throws as reading the configuration does.
+    /// Throws what CFG_Factory::GetRepositoryServices throws. Without a configuration there are no definitions.
     DefinitionReader();
 
     /// The tables that define fields for `repository`, in the order of the configuration.
@@ -33,8 +33,7 @@ private:
     std::map<std::string, std::vector<DefinitionTable>, std::less<>> tables; // by repository
 };
 
-/// Whether the module takes the definition at this node. The reasons come in the order of the module's reading; empty:
-/// it takes it.
+/// Why the module leaves out the definition at this node, in the order in which it reads; empty when it takes it.
 std::vector<OmissionReason> ReasonsToOmit(const CFG_RepositoryServices& definition);
 
 /// The text of `key` up to its first NUL, as the module reads it; empty when it is missing.

@@ -46,7 +46,7 @@ struct OmissionReason {
 struct FieldRule {
     std::string name;
     std::string path;                    ///< Of its table in the configuration.
-    CFG_Place place;                     ///< Of its table; no file where the configuration library tells no places.
+    CFG_Place place;                     ///< Of its table; no file when CFG_ListEntries is null.
     std::vector<OmissionReason> omitted; ///< In the order of the module's reading; empty: the field is in force.
 
     // Of a field that is in force.
@@ -57,7 +57,7 @@ struct FieldRule {
     std::vector<ConditionRule> conditions;
 };
 
-/// Owns its texts, so it may outlive the configuration that it was read from.
+/// Owns its texts: it stays valid when the configuration is reloaded.
 struct RepositoryRules {
     std::string repository;
     FilterSettings settings;

@@ -3,8 +3,11 @@
 #include "platform/configuration/CFG_RepositoryServices.h"
 #include "platform/configuration/ConfigurationPaths.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace secm::analysis {
 namespace {
@@ -23,7 +26,7 @@ bool IsReadFrom(const FieldDefinition& definition, const CFG_RepositoryServices&
            isSame("", "condition" + std::to_string(definition.conditions.size() + 1));
 }
 
-// Of a repository without settings, the module does not read the fields.
+// The module reads no fields for a repository that has no settings.
 bool IsConfigured(const std::string& repository)
 {
     const CFG_RepositoryServices* root = CFG_Factory::GetRepositoryServices();
@@ -69,8 +72,8 @@ RulesManager::RulesManager(const std::string& repository, const DefinitionReader
                                                    {}}
 {
     const auto refuse = [&] {
-        throw std::runtime_error("the configuration of the repository '" + repository +
-                                 "' changed while it was read; read it again");
+        throw std::runtime_error(fmt::format(
+            "the configuration of the repository '{}' changed while it was read; read it again", repository));
     };
     if (fieldDefinitions.empty() && !IsConfigured(repository)) {
         return;

@@ -1,4 +1,4 @@
-// A manager that knows its rules by the names of the configuration.
+// A manager that also knows the names and places of its rules in the configuration.
 #pragma once
 
 #include "SECM_AccessControl/SECM_AccessControlManager.h"
@@ -14,8 +14,8 @@ namespace secm::analysis {
 
 class RulesManager : public SECM_AccessControlManager {
 public:
-    /// Reads as CreateInstance does, and throws what it throws. Throws std::runtime_error when the configuration is
-    /// another one than `definitions` was read from.
+    /// Reads as SECM_AccessControlInterface::CreateInstance does, and throws what that throws. Throws
+    /// std::runtime_error when `definitions` was read from another configuration. Does not keep `definitions`.
     RulesManager(const std::string& repository, const DefinitionReader& definitions);
     explicit RulesManager(const std::string& repository);
 
@@ -32,7 +32,7 @@ public:
     std::vector<std::string> TokensOf(const std::string& list);
 
 protected:
-    /// What `condition`, of one of the definitions, is in Rules().
+    /// The rule in Rules() of `condition`, which is one of this manager's own.
     const ConditionRule& RuleOf(const ConditionDefinition& condition) const;
 
 private:

@@ -1,8 +1,6 @@
 #include "tools/acfilter/commands/CheckCommand.h"
 
-#include "analysis/check/CheckedConfiguration.h"
-#include "analysis/check/ConfigurationCheck.h"
-#include "analysis/check/SecurityCheck.h"
+#include "analysis/check/Check.h"
 #include "platform/security_manager/SECM_Listing.h"
 #include "tools/acfilter/commands/Configuration.h"
 #include "tools/acfilter/commands/Log.h"
@@ -20,37 +18,50 @@ namespace secm::acfilter {
 
 namespace {
 
+analysis::ConfigurationCheck CheckConfiguration(const CheckOptions& options)
+{
+    try {
+        return analysis::ConfigurationCheck(options.oneRepository ? std::optional(options.host.repository)
+                                                                  : std::nullopt);
+    } catch (const analysis::NoRepositoryError&) {
+        if (options.oneRepository) {
+            RequireRepository(options.host.repository, options.host.configuration);
+        }
+        throw std::runtime_error(options.host.configuration +
+                                 ": there is no repository to check; add the table [zarvona.system.applications."
+                                 "securitymanager.unified_access_control.repositories.NAME] with its settings");
+    }
+}
+
+std::vector<analysis::Finding> CheckGrants(const CheckOptions& options, const analysis::ConfigurationCheck& check)
+{
+    if (openSECM_Listing == nullptr) {
+        throw std::runtime_error("the security manager in use cannot list its users, which check needs for "
+                                 "--security; leave the option out to check the configuration alone");
+    }
+    const auto security = openSECM_Listing(options.host.securityDatabase.c_str(), options.host.timeoutSeconds);
+    security->CheckIntegrity();
+    std::vector<analysis::Finding> findings = check.CheckGrants(*security);
+    for (analysis::Finding& finding : findings) {
+        if (finding.place.file.empty()) {
+            finding.place.file = "--security";
+        }
+    }
+    return findings;
+}
+
 std::vector<analysis::Finding> FindingsOf(const CheckOptions& options)
 {
     constexpr int nothing = 0; // what the module would log are findings
     StartLog(options.host, nothing);
     UseConfiguration(options.host);
-    if (CFG_ListEntries == nullptr) {
-        throw std::runtime_error("the configuration library in use cannot list what it holds, which check needs");
-    }
-    if (options.oneRepository) {
-        RequireRepository(options.host.repository, options.host.configuration);
-    }
-    const std::vector<analysis::CheckedRepository> repositories =
-        analysis::ReadRepositories(options.oneRepository ? &options.host.repository : nullptr);
-    if (repositories.empty()) {
-        throw std::runtime_error(options.host.configuration +
-                                 ": there is no repository to check; add the table [zarvona.system.applications."
-                                 "securitymanager.unified_access_control.repositories.NAME] with its settings");
-    }
-    std::vector<analysis::Finding> findings;
-    analysis::CheckConfiguration(repositories, findings);
+    const analysis::ConfigurationCheck check = CheckConfiguration(options);
+    std::vector<analysis::Finding> findings = check.Findings();
     if (options.withSecurity) {
-        if (openSECM_Listing == nullptr) {
-            throw std::runtime_error("the security manager in use cannot list its users, which check needs for "
-                                     "--security; leave the option out to check the configuration alone");
-        }
-        const auto security = openSECM_Listing(options.host.securityDatabase.c_str(), options.host.timeoutSeconds);
-        security->CheckIntegrity();
-        analysis::CheckSecurity(repositories, *security, findings);
+        const std::vector<analysis::Finding> granted = CheckGrants(options, check);
+        findings.insert(findings.end(), granted.begin(), granted.end());
+        std::sort(findings.begin(), findings.end());
     }
-    std::sort(findings.begin(), findings.end());
-    findings.erase(std::unique(findings.begin(), findings.end()), findings.end());
     return findings;
 }
 

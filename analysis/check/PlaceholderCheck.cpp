@@ -1,10 +1,17 @@
-// What looks like a placeholder in a condition's template, and whether anybody fills it in.
-#include "analysis/check/ConfigurationCheck.h"
+// The placeholders of a condition's template: written twice, beside tokens, or misspelt.
+#include "analysis/check/CheckRules.h"
 
+#include "SECM_AccessControl/TemplateLanguage.h"
 #include "analysis/check/OpenQuote.h"
 #include "analysis/check/Spelling.h"
+#include "analysis/check/WordCharacter.h"
+
+#include <fmt/core.h>
 
 #include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace secm::analysis {
 
@@ -19,14 +26,13 @@ std::size_t Count(const std::string& text, std::string_view part)
     return count;
 }
 
-void OnlyTheFirstIsFilled(const CheckedScope& scope, Report& report)
+void OnlyTheFirstIsFilled(const CheckedScope& scope, FindingSink& sink)
 {
     const auto check = [&](std::string_view placeholder, std::size_t filled) {
         if (Count(scope.condition.rule->text, placeholder) > filled) {
-            report.Error("AC011", scope.PlaceOf("condition"),
-                         "the template holds " + std::string(placeholder) + " again",
-                         "only the first is filled in; the next stays in users' filters as it is written",
-                         "write it once, or split the template into several conditions");
+            sink.Error("AC011", scope.PlaceOf("condition"), fmt::format("the template holds {} again", placeholder),
+                       "only the first is filled in; the next stays in users' filters as it is written",
+                       "write it once, or split the template into several conditions");
         }
     };
     check(valuesPlaceholder, 1);
@@ -37,13 +43,13 @@ void OnlyTheFirstIsFilled(const CheckedScope& scope, Report& report)
     }
 }
 
-void ValuesBesideTokens(const CheckedScope& scope, Report& report)
+void ValuesBesideTokens(const CheckedScope& scope, FindingSink& sink)
 {
     if (scope.condition.fillsTokens && !scope.condition.tokens.empty() && scope.condition.Has(valuesPlaceholder)) {
-        report.Error("AC012", scope.PlaceOf("condition"), "the template has %values% and replace tokens",
-                     "users granted only %my% get a filter in which %values% stands as it is written: with "
-                     "replace tokens and without my_field, only the tokens are filled in for them",
-                     "name the attribute in my_field instead of a token, or write the template without %values%");
+        sink.Error("AC012", scope.PlaceOf("condition"), "the template has %values% and replace tokens",
+                   "users granted only %my% get a filter in which %values% stands as it is written: with "
+                   "replace tokens and without my_field, only the tokens are filled in for them",
+                   "name the attribute in my_field instead of a token, or write the template without %values%");
     }
 }
 
@@ -60,8 +66,9 @@ bool IsAlike(std::string_view one, std::string_view other)
     return Distance(one, other) == 0;
 }
 
-// `word` stood between two percent signs. LIKE patterns do as well, so two slips are forgiven only behind the right
-// first letter: '%sales%' is no misspelt %values%. Outside of quotes nobody writes a pattern, and a part is enough.
+// Whether `word`, between two percent signs, was meant to be `placeholder`. LIKE patterns stand between percent signs
+// too, so a distance of two counts only when the first letter is right: '%sales%' is no misspelt %values%. No pattern
+// stands outside of quotes, so the beginning or the end of the placeholder is enough there.
 bool IsMisspelt(const std::string& word, const std::string& placeholder, bool isQuoted)
 {
     constexpr std::size_t part = 3;
@@ -71,7 +78,7 @@ bool IsMisspelt(const std::string& word, const std::string& placeholder, bool is
             (IsAlike(word.substr(0, part), placeholder.substr(0, part)) || placeholder.ends_with(word)));
 }
 
-// The first misspelling of %NAME% in `text`, masked there once it is found; empty: none.
+// The first misspelling of %NAME% in `text`, which is masked there; empty when there is none.
 std::string TakeMisspelt(std::string& text, const std::string& name)
 {
     for (std::size_t start = text.find('%'); start != std::string::npos; start = text.find('%', start + 1)) {
@@ -95,11 +102,12 @@ std::string TakeMisspelt(std::string& text, const std::string& name)
     return "";
 }
 
-void MisspeltPlaceholder(const CheckedScope& scope, Report& report)
+void MisspeltPlaceholder(const CheckedScope& scope, FindingSink& sink)
 {
     const auto add = [&](const std::string& found, const std::string& remedy) {
-        report.Error("AC013", scope.PlaceOf("condition"), "the template holds " + found + ", which is no placeholder",
-                     "it stays in users' filters as it is written", remedy);
+        sink.Error("AC013", scope.PlaceOf("condition"),
+                   fmt::format("the template holds {}, which is no placeholder", found),
+                   "it stays in users' filters as it is written", remedy);
     };
     std::string text = scope.condition.rule->text;
     for (const std::string_view placeholder : {valuesPlaceholder, equalOperatorPlaceholder}) {
@@ -109,7 +117,7 @@ void MisspeltPlaceholder(const CheckedScope& scope, Report& report)
     }
     for (const std::string name : {"values", "equal_operator"}) {
         for (std::string found; !(found = TakeMisspelt(text, name)).empty();) {
-            add(found, "write %" + name + "%");
+            add(found, fmt::format("write %{}%", name));
         }
     }
     if (text.find(ownValue) != std::string::npos) {
@@ -118,45 +126,12 @@ void MisspeltPlaceholder(const CheckedScope& scope, Report& report)
     }
 }
 
-void TokensNobodyFills(const CheckedScope& scope, Report& report)
-{
-    if (!scope.condition.fillsTokens && scope.condition.HasToken()) {
-        const bool hasMyField = !scope.definition.rule->myField.empty();
-        report.Error(
-            "AC014", scope.PlaceOf("replace_fields"),
-            std::string("the replace tokens stand beside ") + (hasMyField ? "my_field" : "a values function"),
-            std::string("they stay in users' filters as they are written: tokens are filled in for the value ") +
-                "%my%, which " + (hasMyField ? "my_field" : "the values function") + " has made something else by then",
-            hasMyField ? "write %values% in place of the token, or remove my_field"
-                       : "remove the values function, or write %values% in place of the token");
-    }
-}
-
-// A name between two $ that replace_fieldsN does not hold, not even with a blank too many, which is told elsewhere.
-void TokensOfNoList(const CheckedScope& scope, Report& report)
-{
-    const std::string& text = scope.condition.rule->text;
-    const std::string listed = scope.Text("replace_fields");
-    for (std::size_t start = text.find('$'); start != std::string::npos;) {
-        const auto end = std::find_if_not(text.begin() + static_cast<long>(start) + 1, text.end(), IsWordCharacter);
-        const std::string token(text.begin() + static_cast<long>(start), end == text.end() ? end : end + 1);
-        if (token.size() > 2 && token.back() == '$' && listed.find(token) == std::string::npos) {
-            report.Warn("AC034", scope.PlaceOf("condition"),
-                        "'" + token + "' looks like a token and is not in " + scope.condition.Key("replace_fields"),
-                        "it stays in users' filters as it is written",
-                        "add it to " + scope.condition.Key("replace_fields") + ", unless the language itself wants it");
-        }
-        start = text.find('$', start + token.size());
-    }
-}
-
 } // namespace
 
-void CheckTemplate(const CheckedScope& scope, Report& report)
+void CheckPlaceholders(const CheckedScope& scope, FindingSink& sink)
 {
-    for (const auto rule :
-         {OnlyTheFirstIsFilled, ValuesBesideTokens, MisspeltPlaceholder, TokensNobodyFills, TokensOfNoList}) {
-        rule(scope, report);
+    for (const auto rule : {OnlyTheFirstIsFilled, ValuesBesideTokens, MisspeltPlaceholder}) {
+        rule(scope, sink);
     }
 }
 

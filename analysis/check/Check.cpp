@@ -1,0 +1,123 @@
+#include "analysis/check/Check.h"
+
+#include "analysis/check/CheckRules.h"
+#include "analysis/check/CheckedConfiguration.h"
+#include "platform/configuration/CFG_Listing.h"
+#include "platform/configuration/CFG_RepositoryServices.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace secm::analysis {
+
+namespace {
+
+std::vector<CheckedRepository> RequireRepositories(const std::optional<std::string>& name)
+{
+    if (CFG_ListEntries == nullptr) {
+        throw std::runtime_error("the configuration library in use cannot list what it holds, which check needs");
+    }
+    std::vector<CheckedRepository> repositories = ReadRepositories(name);
+    if (repositories.empty()) {
+        constexpr const char* table = "zarvona.system.applications.securitymanager.unified_access_control.repositories";
+        throw NoRepositoryError(
+            name
+                ? fmt::format("the configuration has no repository '{}'; correct the name, or add its table under [{}]",
+                              *name, table)
+                : fmt::format("the configuration has no repository; add the table [{}.NAME] with its settings", table));
+    }
+    return repositories;
+}
+
+// The permissions that any definition asks for, also one of a repository that is not checked.
+std::unordered_set<std::string> PermissionsAskedFor()
+{
+    const CFG_RepositoryServices* root = CFG_Factory::GetRepositoryServices();
+    std::unordered_set<std::string> names;
+    for (const std::string& field : TableNames(FieldsPath())) {
+        const std::string path = FieldsPath() + "\\" + field;
+        for (const std::string& repository : TableNames(path)) {
+            names.emplace(root->GetValueByPath(path + "\\" + repository + "\\permission_name"));
+        }
+    }
+    return names;
+}
+
+void CheckRepository(const CheckedRepository& repository, FindingSink& sink)
+{
+    CheckSettings(repository, sink);
+    for (const CheckedDefinition& definition : repository.definitions) {
+        CheckDefinition(definition, sink);
+        CheckConditionNumbers(definition, sink);
+        for (const CheckedCondition& condition : definition.conditions) {
+            const CheckedScope scope{repository, definition, condition};
+            CheckPlaceholders(scope, sink);
+            CheckTokens(scope, sink);
+            CheckValuesFunction(scope, sink);
+        }
+    }
+    CheckUnreadNames(repository, sink);
+}
+
+std::vector<Finding> CheckRepositories(const std::vector<CheckedRepository>& repositories)
+{
+    std::vector<Finding> findings;
+    for (const CheckedRepository& repository : repositories) {
+        FindingSink sink(findings, repository.Rules().repository);
+        CheckRepository(repository, sink);
+    }
+    CheckCodeTables(repositories, findings);
+    CheckSiteIssuers(repositories, findings);
+    FindingSink shared(findings, "");
+    CheckSharedUnreadNames(shared);
+    return findings;
+}
+
+// Two rules may find the same.
+std::vector<Finding> SortedWithoutDuplicates(std::vector<Finding> findings)
+{
+    std::sort(findings.begin(), findings.end());
+    findings.erase(std::unique(findings.begin(), findings.end()), findings.end());
+    return findings;
+}
+
+} // namespace
+
+struct ConfigurationCheck::Checked {
+    explicit Checked(const std::optional<std::string>& repository)
+        : repositories(RequireRepositories(repository)), permissions(PermissionsAskedFor()),
+          findings(SortedWithoutDuplicates(CheckRepositories(repositories)))
+    {
+    }
+
+    std::vector<CheckedRepository> repositories;
+    std::unordered_set<std::string> permissions;
+    std::vector<Finding> findings;
+};
+
+ConfigurationCheck::ConfigurationCheck(const std::optional<std::string>& repository)
+    : checked(std::make_unique<const Checked>(repository))
+{
+}
+
+ConfigurationCheck::~ConfigurationCheck() = default;
+ConfigurationCheck::ConfigurationCheck(ConfigurationCheck&& other) noexcept = default;
+ConfigurationCheck& ConfigurationCheck::operator=(ConfigurationCheck&& other) noexcept = default;
+
+const std::vector<Finding>& ConfigurationCheck::Findings() const
+{
+    return checked->findings;
+}
+
+std::vector<Finding> ConfigurationCheck::CheckGrants(SECM_ListingInterface& security) const
+{
+    std::vector<Finding> findings;
+    CheckConnectionRisks(security, findings);
+    CheckGranted(checked->repositories, checked->permissions, security, findings);
+    return SortedWithoutDuplicates(std::move(findings));
+}
+
+} // namespace secm::analysis

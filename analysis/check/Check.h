@@ -1,0 +1,49 @@
+// Checks a configuration, and what is granted to users, for mistakes that an administrator would regret.
+#pragma once
+
+#include "analysis/Export.h"
+#include "analysis/check/Finding.h"
+
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+class SECM_ListingInterface;
+
+namespace secm::analysis {
+
+/// The configuration has no repository, or none of the name.
+class SECM_ANALYSIS_EXPORT NoRepositoryError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Reads and checks the configuration when it is made, and never reads it again. One object serves one thread at a time.
+/// Objects share nothing.
+class SECM_ANALYSIS_EXPORT ConfigurationCheck {
+public:
+    /// Checks `repository`, or all repositories, of the configuration in force for the calling thread.
+    /// Throws NoRepositoryError when there is none to check, std::runtime_error when the configuration library cannot
+    /// list what it holds (CFG_ListEntries is null) or the configuration changed meanwhile, and what
+    /// SECM_AccessControlInterface::CreateInstance throws.
+    explicit ConfigurationCheck(const std::optional<std::string>& repository = {});
+    ~ConfigurationCheck();
+    ConfigurationCheck(ConfigurationCheck&& other) noexcept;
+    ConfigurationCheck& operator=(ConfigurationCheck&& other) noexcept;
+
+    /// What is wrong with the configuration alone: sorted, each finding once. Valid as long as the object.
+    const std::vector<Finding>& Findings() const;
+
+    /// What is wrong with the grants and attributes under this configuration, and with the connection: sorted, each
+    /// finding once. Reads all grants and all attributes once and keeps none. It does not check whether the database is
+    /// damaged; SECM_ListingInterface::CheckIntegrity does. Throws what `security` throws.
+    std::vector<Finding> CheckGrants(SECM_ListingInterface& security) const;
+
+private:
+    struct __attribute__((visibility("hidden"))) Checked;
+    std::unique_ptr<const Checked> checked;
+};
+
+} // namespace secm::analysis
