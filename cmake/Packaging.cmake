@@ -2,31 +2,24 @@
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-set(libraries SECM_AccessControl secm secm_admin cfg tmrlog secm_base)
+# With their headers, which each names in a FILE_SET.
+set(libraries SECM_AccessControl SECM_Analysis secm secm_admin cfg tmrlog secm_base platform)
 # Headers name one another from this folder's root.
 set(header_folder ${CMAKE_INSTALL_INCLUDEDIR}/secm-accesscontrol)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/SECM_AccessControl)
 
-set_target_properties(acfilter PROPERTIES INSTALL_RPATH "\$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 install(TARGETS ${libraries} EXPORT SECM_AccessControlTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev
-    INCLUDES DESTINATION ${header_folder})
-install(TARGETS acfilter RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+    FILE_SET HEADERS DESTINATION ${header_folder} COMPONENT dev)
 
-install(FILES tools/acfilter/acfilter.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT runtime)
-install(FILES tools/acfilter/acfilter.bash
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME acfilter COMPONENT runtime)
-
-install(FILES SECM_AccessControl/SECM_AccessControlInterface.h
-    DESTINATION ${header_folder}/SECM_AccessControl COMPONENT dev)
-install(DIRECTORY platform DESTINATION ${header_folder} COMPONENT dev FILES_MATCHING
-    PATTERN "*.h"
-    PATTERN Descriptor.h EXCLUDE
-    PATTERN KeptUntilUnload.h EXCLUDE
-    PATTERN sql EXCLUDE
-    PATTERN toml EXCLUDE
-    PATTERN spdlog EXCLUDE)
+if(SECM_BUILD_TOOLS)
+    set_target_properties(acfilter PROPERTIES INSTALL_RPATH "\$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+    install(TARGETS acfilter RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+    install(FILES tools/acfilter/acfilter.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT runtime)
+    install(FILES tools/acfilter/acfilter.bash
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME acfilter COMPONENT runtime)
+endif()
 
 install(EXPORT SECM_AccessControlTargets NAMESPACE SECM_AccessControl:: DESTINATION ${package_folder} COMPONENT dev)
 configure_package_config_file(cmake/SECM_AccessControlConfig.cmake.in
