@@ -1,6 +1,7 @@
 #include "tests/integration/CommandBlocks.h"
 
 #include <algorithm>
+#include <bit>
 #include <filesystem>
 #include <fstream>
 #include <iomanip>
@@ -23,13 +24,8 @@ void ReplaceAll(std::string& text, const std::string& from, const std::string& t
 // In bytes; 0 where the text is not UTF-8.
 std::size_t LengthOfCharacter(const std::string& text, std::size_t at)
 {
-    const auto first = static_cast<unsigned char>(text[at]);
-    const std::size_t length = first < 0x80   ? 1
-                               : first < 0xc2 ? 0
-                               : first < 0xe0 ? 2
-                               : first < 0xf0 ? 3
-                               : first < 0xf5 ? 4
-                                              : 0;
+    const auto leadingOnes = static_cast<std::size_t>(std::countl_one(static_cast<unsigned char>(text[at])));
+    const std::size_t length = leadingOnes == 0 ? 1 : leadingOnes == 1 || leadingOnes > 4 ? 0 : leadingOnes;
     for (std::size_t n = 1; n < length; ++n) {
         if (at + n >= text.size() || (static_cast<unsigned char>(text[at + n]) & 0xc0U) != 0x80) {
             return 0;
