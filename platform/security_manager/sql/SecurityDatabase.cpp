@@ -224,7 +224,7 @@ SecurityDatabase::~SecurityDatabase()
 void SecurityDatabase::LeaveToParent()
 {
     if (process != getpid()) {
-        connection.release();
+        static_cast<void>(connection.release());
         process = getpid();
     }
 }
