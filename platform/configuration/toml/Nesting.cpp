@@ -1,8 +1,8 @@
 // toml++ limits how deep arrays and inline tables nest (256), but not how many names a key joins with dots. It makes a
 // table for each name, and destroys a table inside the destruction of the table around it, so a key of a hundred
 // thousand names would exhaust the stack. Inline tables with long keys multiply that depth, so all levels are counted
-// together: dots, brackets, commas and line ends outside of quoted texts and comments. The count is never too low. It is
-// one too high where a number has a dot.
+// together: dots, brackets, commas and line ends outside of quoted texts and comments. The count is never too low. It
+// is one too high where a number has a dot.
 #include "platform/configuration/toml/Nesting.h"
 
 #include <algorithm>
