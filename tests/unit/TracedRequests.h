@@ -3,6 +3,7 @@
 
 #include "analysis/trace/Tracer.h"
 #include "tests/Permissions.h"
+#include "tools/acfilter/commands/TriedChanges.h"
 #include "tools/acfilter/render/Explanation.h"
 
 #include <optional>
@@ -16,9 +17,9 @@ public:
     bool Try(const std::string& what, const std::string& change)
     {
         if (what == "try-attribute") {
-            tried.attributes.insert(analysis::AttributeFrom(change).value());
+            tried.attributes.insert(acfilter::AttributeFrom(change).value());
         } else if (what == "try-grant") {
-            tried.grants.push_back(analysis::GrantFrom(change).value());
+            tried.grants.push_back(acfilter::GrantFrom(change).value());
         } else if (what == "try-revoke") {
             tried.revocations.push_back({change});
         } else {

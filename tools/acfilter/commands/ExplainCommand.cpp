@@ -5,6 +5,7 @@
 #include "tools/acfilter/commands/Connection.h"
 #include "tools/acfilter/commands/Errors.h"
 #include "tools/acfilter/commands/Log.h"
+#include "tools/acfilter/commands/TriedChanges.h"
 #include "tools/acfilter/io/OutputFile.h"
 #include "tools/acfilter/io/StandardStreams.h"
 #include "tools/acfilter/render/Explanation.h"
@@ -22,14 +23,14 @@ analysis::WhatIf TriedChanges(const ExplainOptions& options)
 {
     analysis::WhatIf tried;
     for (const std::string& text : options.attributes) {
-        const auto attribute = analysis::AttributeFrom(text);
+        const auto attribute = AttributeFrom(text);
         if (!attribute) {
             throw UsageError(fmt::format("--attribute: '{}' is not of the form NAME=VALUE", text));
         }
         tried.attributes.insert_or_assign(attribute->first, attribute->second);
     }
     for (const std::string& text : options.grants) {
-        const auto grant = analysis::GrantFrom(text);
+        const auto grant = GrantFrom(text);
         if (!grant) {
             throw UsageError(fmt::format("--grant: '{}' is not of the form NAME:VALUE or NAME:VALUE:RESOURCE with a "
                                          "value from 0 to 4294967295",

@@ -1,8 +1,8 @@
-#include "analysis/trace/WhatIf.h"
+#include "tools/acfilter/commands/TriedChanges.h"
 
 #include <charconv>
 
-namespace secm::analysis {
+namespace secm::acfilter {
 
 std::optional<std::pair<std::string, std::string>> AttributeFrom(const std::string& text)
 {
@@ -34,4 +34,4 @@ std::optional<PermissionBase> GrantFrom(const std::string& text)
     return std::nullopt;
 }
 
-} // namespace secm::analysis
+} // namespace secm::acfilter
