@@ -1,5 +1,5 @@
-// One manager and one connection serve all users, one after the other, and rows that have to wait for
-// the summary are kept in a file, so memory does not grow with the number of users.
+// One manager and one connection serve all users, one after the other, and rows that have to wait for the summary are
+// kept in a file, so memory does not grow with the number of users.
 #include "tools/acfilter/commands/ReportCommand.h"
 
 #include "analysis/trace/Tracer.h"
