@@ -20,8 +20,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Reads and checks the configuration when it is made, and never reads it again. One object serves one thread at a time.
-/// Objects share nothing.
+/// Reads and checks the configuration when it is made, and never reads it again. One object serves one thread at a
+/// time. Objects share nothing.
 class SECM_ANALYSIS_EXPORT ConfigurationCheck {
 public:
     /// Checks `repository`, or all repositories, of the configuration in force for the calling thread.
