@@ -42,16 +42,18 @@ struct SettingChange {
     std::string after;
 };
 
-class SECM_ANALYSIS_EXPORT TraceComparison {
+/// Holds copies of what it is given. Any thread may compare at any time.
+class TraceComparison {
 public:
-    /// `excludingFields` are those whose templates let through what their values do not name.
-    TraceComparison(FilterSettings settingsBefore, FilterSettings settingsAfter, std::set<std::string> excludingFields);
+    /// `excludingFields` are those whose values name records that are hidden: a further value shows fewer records.
+    SECM_ANALYSIS_EXPORT TraceComparison(FilterSettings settingsBefore, FilterSettings settingsAfter,
+                                         std::set<std::string> excludingFields);
 
-    /// Of two answers to one request.
-    UserChange Compare(const Trace& before, const Trace& after) const;
+    /// Compares the traces of one request under the settings before and after.
+    SECM_ANALYSIS_EXPORT UserChange Compare(const Trace& before, const Trace& after) const;
 
-    /// Those that differ.
-    std::vector<SettingChange> CompareSettings() const;
+    /// The settings that differ.
+    SECM_ANALYSIS_EXPORT std::vector<SettingChange> CompareSettings() const;
 
 private:
     void CompareFields(const Trace& before, const Trace& after, UserChange& user) const;

@@ -40,6 +40,8 @@ hosts_against() { # NAME PREFIX LOADS
     expect "$name: a host that links" "$answer" "${quiet[@]}" "$scratch/$name-linking/host" documents "$connection" hugo
     expect "$name: a host that implements the security manager's interface" "department IN ('Legal', 'Fleet')" \
         "$scratch/$name-linking/own_login" documents Legal Fleet
+    expect "$name: a host that explains" "filter: department = ('Legal')" \
+        bash -c "TMR_LOG_LEVEL=0 '$scratch/$name-linking/why' documents '$connection' hugo | tail -n 1"
     cmake_build "$examples/consumers/loading" "$prefix" "$name-loading"
     expect "$name: a host that loads by name, $loads times" \
         "$loads administration library before connecting: 0, connected: 1, after: 1, filter: department = ('Legal')
