@@ -6,6 +6,8 @@
 
 #include <memory>
 
+using namespace secm;
+
 namespace {
 
 constexpr LogOrigin codesLog{"SECM_AccessControl/AccessControl_CodesDisplayNameFunction",

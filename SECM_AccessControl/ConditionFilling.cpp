@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <string_view>
 
+using namespace secm;
+
 namespace {
 
 constexpr LogOrigin conditionLog{managerSourceFile, "SECM_AccessControlManager::HandleSingleCondition"};

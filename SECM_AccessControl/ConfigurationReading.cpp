@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <optional>
 
+using namespace secm;
+
 namespace {
 
 constexpr LogOrigin readingLog{managerSourceFile, "SECM_AccessControlManager::ReadConfigurations"};

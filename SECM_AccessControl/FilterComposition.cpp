@@ -8,6 +8,8 @@
 #include "platform/security_manager/SecurityManagerInterface.h"
 #include "platform/security_manager/UserDetailsInterface.h"
 
+using namespace secm;
+
 namespace {
 
 constexpr LogOrigin compositionLog{managerSourceFile, "SECM_AccessControlManager::GetAccessControlFilter"};

@@ -3,6 +3,8 @@
 
 #include "platform/logging/Tmr_LogFile.h"
 
+namespace secm {
+
 /// The source file and the function that a message names. They are part of the log's format, so they are literals
 /// and do not follow file names and function names of the code.
 struct LogOrigin {
@@ -18,11 +20,13 @@ inline constexpr int logNumber = 1;
 
 enum LogLevel : int { failureLevel = 3, userLevel = 6, traceLevel = 7 };
 
+} // namespace secm
+
 /// Writes a printf-style message if the log accepts `level`. Evaluates the arguments only in this case.
 #define SECM_LOG(origin, level, ...)                                                                                   \
     do {                                                                                                               \
-        if (TmrGLog.StoreParams((origin).sourceFile, (origin).function, __LINE__, (level), logModule, logNumber) !=    \
-            0) {                                                                                                       \
+        if (TmrGLog.StoreParams((origin).sourceFile, (origin).function, __LINE__, (level), secm::logModule,            \
+                                secm::logNumber) != 0) {                                                               \
             TmrGLog.Log(__VA_ARGS__);                                                                                  \
         }                                                                                                              \
     } while (false)

@@ -8,6 +8,8 @@
 #include "platform/security_manager/SMADM_Interface.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
 
+using namespace secm;
+
 namespace {
 
 using secm::platform::administrationVersion;

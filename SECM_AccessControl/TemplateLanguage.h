@@ -6,10 +6,12 @@
 #include <string>
 #include <string_view>
 
+namespace secm {
+
 inline constexpr std::string_view valuesPlaceholder = "%values%";
 inline constexpr std::string_view equalOperatorPlaceholder = "%equal_operator%";
 /// A value, not a placeholder: it stands for an attribute of the user.
-using secm::platform::ownValue;
+using platform::ownValue;
 inline constexpr char tokenFrame = '$';
 
 /// True when the token begins and ends with `tokenFrame`; other tokens are not replaced.
@@ -35,3 +37,5 @@ inline std::string AttributeName(std::string_view token)
 {
     return std::string(token.size() > 1 ? token.substr(1, token.size() - 2) : "");
 }
+
+} // namespace secm

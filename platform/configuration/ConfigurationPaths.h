@@ -2,7 +2,7 @@
 // ends with the separator; a path that is appended to a name begins with it.
 #pragma once
 
-namespace configuration_paths {
+namespace secm::configuration_paths {
 
 inline constexpr const char* repositories =
     "zarvona\\system\\applications\\securitymanager\\unified_access_control\\repositories\\";
@@ -13,4 +13,4 @@ inline constexpr const char* sites = "zarvona\\system\\sites";
 inline constexpr const char* issuer = "\\applications\\norvale\\pix\\assigning_authority\\value";
 inline constexpr const char* system = "zarvona\\system";
 
-} // namespace configuration_paths
+} // namespace secm::configuration_paths

@@ -69,7 +69,7 @@ protected:
     std::string FilterNow() const
     {
         const std::string filter = FilterOf(*Connected());
-        const auto entries = CFG_ListEntries(configuration_paths::repositories + std::string("r"));
+        const auto entries = CFG_ListEntries(secm::configuration_paths::repositories + std::string("r"));
         EXPECT_TRUE(!entries.empty() && entries.front().value == "hide" + filter.substr(0, 1)) << filter;
         return filter;
     }
@@ -222,14 +222,15 @@ TEST_F(ReloadTest, WhatACandidateHandsOutOutlivesIt)
     {
         const CFG_CandidateScope scope(Candidate("B"));
         root = CFG_Factory::GetRepositoryServices();
-        settings.reset(root->GetSubTree(configuration_paths::repositories + std::string("r")));
-        names.reset(root->GetChildNames(configuration_paths::fields));
+        settings.reset(root->GetSubTree(secm::configuration_paths::repositories + std::string("r")));
+        names.reset(root->GetChildNames(secm::configuration_paths::fields));
         manager = Connected();
     }
     EXPECT_STREQ(settings->GetValue("hide_all_filter", ""), "hideB");
     EXPECT_STREQ(names->GetName(1), "archive.kind");
     EXPECT_EQ(FilterOf(*manager), Expected("B"));
-    EXPECT_STREQ(root->GetValueByPath(configuration_paths::repositories + std::string("r\\hide_all_filter")), "hideA");
+    EXPECT_STREQ(root->GetValueByPath(secm::configuration_paths::repositories + std::string("r\\hide_all_filter")),
+                 "hideA");
 }
 
 TEST_F(ReloadTest, TheFilesOfACandidateAreThoseThatWereRead)

@@ -273,7 +273,7 @@ TEST(AllowedTextsTest, TheListingRefusesWhatARequestWould)
     };
     const std::string resources = " holds a text that SECM_ALLOWED_RESOURCES does not allow";
     const std::string attributes = " holds a text that SECM_ALLOWED_ATTRIBUTES does not allow";
-    for (const auto& [variable, text, ofGrant, ofAttribute] : std::vector<Case>{
+    for (const Case& row : std::vector<Case>{
              {"UNUSED", "a'b", "", ""},
              {"SECM_ALLOWED_RESOURCES", "ab", "", ""},
              {"SECM_ALLOWED_RESOURCES", "%my%", "", ""},
@@ -281,14 +281,15 @@ TEST(AllowedTextsTest, TheListingRefusesWhatARequestWould)
              {"SECM_ALLOWED_RESOURCES", "a'b", "the permission 'p' for the resource 'a'b'" + resources, ""},
              {"SECM_ALLOWED_ATTRIBUTES", "ab", "", ""},
              {"SECM_ALLOWED_ATTRIBUTES", "%my%", "", "the attribute 'p' with the value '%my%'" + attributes}}) {
-        setenv(variable, "[a-z]*", 1);
-        EXPECT_EQ(refusal([&] { requireSECM_AllowedGrant(PermissionBase("p", 1, text, false)); }), ofGrant);
-        EXPECT_EQ(refusal([&] { requireSECM_AllowedAttribute("p", text != nullptr ? text : ""); }), ofAttribute);
-        setenv(variable, "(", 1);
+        setenv(row.variable, "[a-z]*", 1);
+        EXPECT_EQ(refusal([&] { requireSECM_AllowedGrant(PermissionBase("p", 1, row.resource, false)); }), row.ofGrant);
+        EXPECT_EQ(refusal([&] { requireSECM_AllowedAttribute("p", row.resource != nullptr ? row.resource : ""); }),
+                  row.ofAttribute);
+        setenv(row.variable, "(", 1);
         EXPECT_THAT(refusal([&] { requireSECM_AllowedGrant(PermissionBase("p", 1, "%my%", false)); }) +
                         refusal([&] { requireSECM_AllowedAttribute("p", "v"); }),
-                    testing::HasSubstr(std::string(variable) == "UNUSED" ? "" : " is no regular expression: "));
-        unsetenv(variable);
+                    testing::HasSubstr(std::string(row.variable) == "UNUSED" ? "" : " is no regular expression: "));
+        unsetenv(row.variable);
     }
 }
 

@@ -7,6 +7,8 @@
 
 namespace {
 
+using secm::ReplaceFirst;
+
 struct Replacement {
     const char* name;
     const char* text;
