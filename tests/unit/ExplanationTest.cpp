@@ -1,11 +1,8 @@
-// How an explanation shows what is long, and what was tried.
+// How an explanation shows what is long.
 #include "tools/acfilter/render/Explanation.h"
-#include "analysis/trace/Tracer.h"
-#include "testing/Outside.h"
+#include "analysis/trace/Trace.h"
 #include "tests/Cases.h"
 #include "tools/acfilter/render/Printable.h"
-
-#include <stdexcept>
 
 using namespace secm::testing;
 using testing::HasSubstr;
@@ -68,78 +65,6 @@ TEST(ExplanationTest, CutsLongListsShort)
     EXPECT_THAT(Explained("t", eight, {}), HasSubstr(shown + "\n"));
     EXPECT_THAT(Explained("t", nine, {}), HasSubstr(shown + ", ... 9 in all, --full shows them\n"));
     EXPECT_THAT(Explained("t", nine, {true, false, false}), HasSubstr(shown + ", 'a'\n"));
-}
-
-// Of a scripted user u, with one field that takes the permission p.
-class TriedChangesTest : public testing::Test {
-protected:
-    TriedChangesTest()
-    {
-        outside = Outside();
-        const std::string top = "zarvona\\system\\applications\\securitymanager\\unified_access_control\\";
-        outside.configuration.Add(top + "repositories\\docs\\hide_all_filter", "NOTHING");
-        outside.configuration.Add(top + "fields\\f\\docs\\permission_name", "p");
-        outside.configuration.Add(top + "fields\\f\\docs\\permission_value", "1");
-        outside.configuration.Add(top + "fields\\f\\docs\\condition1", "%values%");
-        outside.users["u"].permissions = {{"p", 1, "a", false}, {"p", 1, "b", false}};
-        outside.users["other"] = outside.users["u"];
-    }
-};
-
-// Otherwise the explanation of today's filter would call itself that of the changes.
-TEST_F(TriedChangesTest, AreRefusedWhereTheyCannotBeTried)
-{
-    const PermissionBase grant("p", 1, nullptr, false);
-    const struct {
-        Refusal Outside::*missing;
-        WhatIf tried;
-        const char* refusal; ///< Of a log-in; null: it is answered.
-    } cases[] = {
-        {&Outside::permissionLists, {}, nullptr},
-        {&Outside::permissionLists, {{{"uid", "u"}}, {}, {}}, nullptr},
-        {&Outside::permissionLists,
-         {{}, {grant}, {}},
-         "the security manager lists no permissions, so no change can be tried"},
-        {&Outside::permissionLists,
-         {{}, {}, {{"p"}}},
-         "the security manager lists no permissions, so no change can be tried"},
-        {&Outside::userDetails, {}, nullptr},
-        {&Outside::userDetails,
-         {{{"uid", "u"}}, {}, {}},
-         "the security manager tells nothing of the user, so no change can be tried"},
-        {&Outside::userDetails,
-         {{}, {grant}, {}},
-         "the security manager tells nothing of the user, so no change can be tried"},
-    };
-    for (const auto& [missing, tried, refusal] : cases) {
-        outside.permissionLists = outside.userDetails = {};
-        Tracer manager("docs", tried);
-        manager.Connect("text", 7);
-        manager.Explain({"other", "", false});
-        (outside.*missing).nth = Refusal::every;
-        try {
-            manager.Explain({"u", "", false});
-            EXPECT_EQ(refusal, nullptr);
-        } catch (const std::runtime_error& error) {
-            EXPECT_STREQ(error.what(), refusal);
-        }
-    }
-}
-
-TEST_F(TriedChangesTest, AreCountedAfreshForEachRequest)
-{
-    Tracer manager("docs", {{}, {}, {{"p:a"}}});
-    manager.Connect("text", 7);
-    for (const bool isKnown : {true, true, false}) {
-        for (const bool withoutLogin : {false, true}) {
-            if (!isKnown) {
-                outside.users.clear();
-            }
-            const Trace trace = manager.Explain({"u", "", withoutLogin});
-            EXPECT_EQ(trace.answer.filter, isKnown ? "b" : "");
-            EXPECT_EQ(trace.tried.revocations.front().revoked, isKnown ? 1U : 0U);
-        }
-    }
 }
 
 } // namespace

@@ -174,6 +174,7 @@ const std::map<std::string, std::string (*)(Player&, Text)> commands = {
     {"watch", [](Player& p, Text) { return Truth(p.traced.Connect(p.manager->repositoryName)); }},
     {"ask", [](Player& p, Text user) { return p.traced.Ask(user, false); }},
     {"ask-byname", [](Player& p, Text user) { return p.traced.Ask(user, true); }},
+    {"refusal", [](Player& p, Text user) { return p.traced.Refusal(user); }},
 };
 
 // What "no ..." takes away.

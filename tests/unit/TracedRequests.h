@@ -7,6 +7,7 @@
 #include "tools/acfilter/render/Explanation.h"
 
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 namespace secm::testing {
@@ -31,11 +32,26 @@ public:
     /// Makes the tracer that answers Ask. False: it cannot connect.
     bool Connect(const std::string& repository) { return tracer.emplace(repository, tried).Connect("text", 7); }
 
-    /// The outcome and, in brackets, the filter.
+    /// The outcome, the filter in brackets, and how many grants each revocation took.
     std::string Ask(const std::string& user, bool isByName)
     {
-        const analysis::Answer given = tracer.value().Explain({user, "ip", isByName}).answer;
-        return NameOf(given.outcome) + ("[" + given.filter + "]");
+        const analysis::Trace trace = tracer.value().Explain({user, "ip", isByName});
+        std::string answer = NameOf(trace.answer.outcome) + ("[" + trace.answer.filter + "]");
+        for (const analysis::WhatIf::Revocation& revocation : trace.tried.revocations) {
+            answer += " revoked " + std::to_string(revocation.revoked);
+        }
+        return answer;
+    }
+
+    /// Why a log-in cannot be answered; empty: it can.
+    std::string Refusal(const std::string& user)
+    {
+        try {
+            Ask(user, false);
+            return "";
+        } catch (const std::runtime_error& error) {
+            return error.what();
+        }
     }
 
     /// What a tracer of its own traces of one request.
