@@ -6,12 +6,10 @@
 
 #include <memory>
 
-using namespace secm;
-
 namespace {
 
-constexpr LogOrigin codesLog{"SECM_AccessControl/AccessControl_CodesDisplayNameFunction",
-                             "AccessControl_CodesDisplayNameFunction::Initialize"};
+constexpr secm::LogOrigin codesLog{"SECM_AccessControl/AccessControl_CodesDisplayNameFunction",
+                                   "AccessControl_CodesDisplayNameFunction::Initialize"};
 
 } // namespace
 
@@ -30,7 +28,7 @@ bool AccessControl_CodesDisplayNameFunction::Initialize(std::string codeTable)
         return false;
     }
     const std::unique_ptr<CFG_RepositoryServices> table(
-        repository->GetSubTree(RWCString(configuration_paths::codeTables + codeTable)));
+        repository->GetSubTree(RWCString(secm::configuration_paths::codeTables + codeTable)));
     if (!table) {
         SECM_LOG(codesLog, traceLevel, "Couldn't find codes subtree\n");
         return false;

@@ -6,12 +6,10 @@
 
 #include <memory>
 
-using namespace secm;
-
 namespace {
 
-constexpr LogOrigin sitesLog{"SECM_AccessControl/AccessControl_SiteIdToIssuerFunction",
-                             "AccessControl_SiteIdToIssuerFunction::Initialize"};
+constexpr secm::LogOrigin sitesLog{"SECM_AccessControl/AccessControl_SiteIdToIssuerFunction",
+                                   "AccessControl_SiteIdToIssuerFunction::Initialize"};
 
 } // namespace
 
@@ -29,14 +27,14 @@ bool AccessControl_SiteIdToIssuerFunction::Initialize(std::string /*configuratio
         SECM_LOG(sitesLog, failureLevel, "Could not create CFG instance\n");
         return false;
     }
-    const std::unique_ptr<CFG_NameList> sites(repository->GetChildNames(configuration_paths::sites));
+    const std::unique_ptr<CFG_NameList> sites(repository->GetChildNames(secm::configuration_paths::sites));
     const int count = sites ? sites->GetCount() : 0;
-    std::string path = std::string(configuration_paths::sites) + "\\";
+    std::string path = std::string(secm::configuration_paths::sites) + "\\";
     const std::size_t upToSite = path.size();
     for (int index = 0; index < count; ++index) {
         std::string site = sites->GetName(index);
         path.resize(upToSite);
-        path.append(site).append(configuration_paths::issuer);
+        path.append(site).append(secm::configuration_paths::issuer);
         const RWCString issuer = repository->GetValueByPath(path);
         if (!site.empty() && issuer.length() != 0) {
             siteIssuers.insert_or_assign(siteIssuers.end(), std::move(site),
@@ -45,7 +43,7 @@ bool AccessControl_SiteIdToIssuerFunction::Initialize(std::string /*configuratio
     }
     // Ends at its first NUL, unlike the issuer of a site.
     defaultIssuer = static_cast<const char*>(
-        repository->GetValueByPath(RWCString(configuration_paths::system) + configuration_paths::issuer));
+        repository->GetValueByPath(RWCString(secm::configuration_paths::system) + secm::configuration_paths::issuer));
     return true;
 }
 

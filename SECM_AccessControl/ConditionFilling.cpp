@@ -10,21 +10,19 @@
 #include <algorithm>
 #include <string_view>
 
-using namespace secm;
-
 namespace {
 
-constexpr LogOrigin conditionLog{managerSourceFile, "SECM_AccessControlManager::HandleSingleCondition"};
-constexpr LogOrigin valueLog{managerSourceFile, "SECM_AccessControlManager::ReplaceSingleValue"};
+constexpr secm::LogOrigin conditionLog{secm::managerSourceFile, "SECM_AccessControlManager::HandleSingleCondition"};
+constexpr secm::LogOrigin valueLog{secm::managerSourceFile, "SECM_AccessControlManager::ReplaceSingleValue"};
 
 // The position of the first values placeholder; npos: none. Searches for the placeholder's character that is rarest
 // in templates, because that is faster than searching for the whole placeholder.
 std::size_t FindValues(std::string_view text)
 {
     constexpr char rarest = 'v';
-    constexpr std::size_t offset = valuesPlaceholder.find(rarest);
+    constexpr std::size_t offset = secm::valuesPlaceholder.find(rarest);
     for (std::size_t at = offset; (at = text.find(rarest, at)) != std::string_view::npos; ++at) {
-        if (text.substr(at - offset).starts_with(valuesPlaceholder)) {
+        if (text.substr(at - offset).starts_with(secm::valuesPlaceholder)) {
             return at - offset;
         }
     }
@@ -35,14 +33,14 @@ std::size_t FindValues(std::string_view text)
 bool FillUserTokens(std::string& text, const ConditionDefinition& condition, UserDetailsInterface* userDetails)
 {
     for (const std::string& token : condition.replaceFields) {
-        if (!IsFramed(token)) {
+        if (!secm::IsFramed(token)) {
             continue;
         }
-        const char* attribute = userDetails->GetAttribute(AttributeName(token).c_str());
+        const char* attribute = userDetails->GetAttribute(secm::AttributeName(token).c_str());
         if (attribute == nullptr && condition.mandatoryFields.count(token) != 0) {
             return false;
         }
-        ReplaceFirst(text, token, attribute != nullptr ? attribute : "");
+        secm::ReplaceFirst(text, token, attribute != nullptr ? attribute : "");
     }
     return true;
 }
@@ -58,17 +56,17 @@ std::string FilledWithValues(const std::string& conditionText, const std::string
     text.reserve(conditionText.size() + valuesLength + equalOperator.size());
     text.assign(conditionText, 0, position);
     // An operator before the values is the first one in any case. Filled now, it does not move the values later.
-    const bool isOperatorFilled = ReplaceFirst(text, equalOperatorPlaceholder, equalOperator);
+    const bool isOperatorFilled = secm::ReplaceFirst(text, secm::equalOperatorPlaceholder, equalOperator);
 
     const std::size_t beforeValues = text.size();
     appendValues(text);
     if (position == conditionText.size()) {
         text.resize(beforeValues); // without a placeholder, values are mapped and dropped
     } else {
-        text.append(conditionText, position + valuesPlaceholder.size());
+        text.append(conditionText, position + secm::valuesPlaceholder.size());
     }
     if (!isOperatorFilled) {
-        ReplaceFirst(text, equalOperatorPlaceholder, equalOperator);
+        secm::ReplaceFirst(text, secm::equalOperatorPlaceholder, equalOperator);
     }
     return text;
 }
@@ -84,7 +82,7 @@ std::string SECM_AccessControlManager::HandleSingleConditionForUser(const Condit
                                 [&](std::string& text) { AppendList(text, condition, values); });
     }
     const std::string mapped = ApplyValuesFunction(values.front(), condition);
-    if (mapped != ownValue) {
+    if (mapped != secm::ownValue) {
         return FilledWithValues(condition.conditionText, singleEqualOperator, mapped.size(),
                                 [&](std::string& text) { text += mapped; });
     }
@@ -92,7 +90,7 @@ std::string SECM_AccessControlManager::HandleSingleConditionForUser(const Condit
     if (!FillUserTokens(text, condition, userDetails)) {
         return "";
     }
-    ReplaceFirst(text, equalOperatorPlaceholder, singleEqualOperator);
+    secm::ReplaceFirst(text, secm::equalOperatorPlaceholder, singleEqualOperator);
     return text;
 }
 
@@ -138,7 +136,7 @@ std::string SECM_AccessControlManager::HandleSingleCondition(const ConditionDefi
 void SECM_AccessControlManager::ReplaceSingleValueForUser(std::string& value, const FieldDefinition& field,
                                                           UserDetailsInterface* userDetails)
 {
-    if (value == ownValue && !field.myField.empty()) {
+    if (value == secm::ownValue && !field.myField.empty()) {
         value = field.myField;
         ResolveUserField(value, userDetails);
     }
@@ -161,7 +159,7 @@ void SECM_AccessControlManager::ReplaceSingleValue(std::string& value, const Fie
 
 void SECM_AccessControlManager::ResolveUserField(std::string& token, UserDetailsInterface* userDetails)
 {
-    const char* attribute = userDetails->GetAttribute(AttributeName(token).c_str());
+    const char* attribute = userDetails->GetAttribute(secm::AttributeName(token).c_str());
     token = attribute != nullptr ? attribute : "";
 }
 

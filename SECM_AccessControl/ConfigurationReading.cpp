@@ -9,11 +9,9 @@
 #include <algorithm>
 #include <optional>
 
-using namespace secm;
-
 namespace {
 
-constexpr LogOrigin readingLog{managerSourceFile, "SECM_AccessControlManager::ReadConfigurations"};
+constexpr secm::LogOrigin readingLog{secm::managerSourceFile, "SECM_AccessControlManager::ReadConfigurations"};
 
 // A text ends at its first NUL; a missing one is empty.
 std::string ReadText(const CFG_RepositoryServices& node, const std::string& key)
@@ -40,7 +38,7 @@ void SECM_AccessControlManager::ReadConfigurations()
         return;
     }
     const std::unique_ptr<CFG_RepositoryServices> repository(
-        root->GetSubTree(RWCString(configuration_paths::repositories + repositoryName)));
+        root->GetSubTree(RWCString(secm::configuration_paths::repositories + repositoryName)));
     if (!repository) {
         SECM_LOG(readingLog, traceLevel, "No access control configurations\n");
         return;
@@ -54,7 +52,7 @@ void SECM_AccessControlManager::ReadConfigurations()
     valueMultiplicityPrefix = ReadText(*repository, "value_multiplicity_prefix");
     valueMultiplicitySuffix = ReadText(*repository, "value_multiplicity_suffix");
 
-    const std::unique_ptr<CFG_RepositoryServices> fields(root->GetSubTree(configuration_paths::fields));
+    const std::unique_ptr<CFG_RepositoryServices> fields(root->GetSubTree(secm::configuration_paths::fields));
     if (!fields) {
         SECM_LOG(readingLog, traceLevel, "No access control configurations\n");
         return;

@@ -8,11 +8,9 @@
 #include "platform/security_manager/SecurityManagerInterface.h"
 #include "platform/security_manager/UserDetailsInterface.h"
 
-using namespace secm;
-
 namespace {
 
-constexpr LogOrigin compositionLog{managerSourceFile, "SECM_AccessControlManager::GetAccessControlFilter"};
+constexpr secm::LogOrigin compositionLog{secm::managerSourceFile, "SECM_AccessControlManager::GetAccessControlFilter"};
 
 } // namespace
 

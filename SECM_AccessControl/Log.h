@@ -22,10 +22,11 @@ enum LogLevel : int { failureLevel = 3, userLevel = 6, traceLevel = 7 };
 
 } // namespace secm
 
-/// Writes a printf-style message if the log accepts `level`. Evaluates the arguments only in this case.
+/// Writes a printf-style message if the log accepts `level`, which is the name of a secm::LogLevel. Evaluates the
+/// arguments only in this case.
 #define SECM_LOG(origin, level, ...)                                                                                   \
     do {                                                                                                               \
-        if (TmrGLog.StoreParams((origin).sourceFile, (origin).function, __LINE__, (level), secm::logModule,            \
+        if (TmrGLog.StoreParams((origin).sourceFile, (origin).function, __LINE__, secm::level, secm::logModule,        \
                                 secm::logNumber) != 0) {                                                               \
             TmrGLog.Log(__VA_ARGS__);                                                                                  \
         }                                                                                                              \

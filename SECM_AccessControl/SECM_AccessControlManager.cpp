@@ -8,8 +8,6 @@
 #include "platform/security_manager/SMADM_Interface.h"
 #include "platform/security_manager/SecurityManagerInterface.h"
 
-using namespace secm;
-
 namespace {
 
 using secm::platform::administrationVersion;
@@ -20,8 +18,8 @@ using secm::platform::securityManagerVersion;
 constexpr const char* moduleName = "AccessControl";
 constexpr const char* administrationName = "SecurityManagerAdminInterface";
 
-constexpr LogOrigin connectionLog{managerSourceFile, "SECM_AccessControlManager::InitSecurityConnection"};
-constexpr LogOrigin requestLog{managerSourceFile, "SECM_AccessControlManager::GetAccessControlFilter"};
+constexpr secm::LogOrigin connectionLog{secm::managerSourceFile, "SECM_AccessControlManager::InitSecurityConnection"};
+constexpr secm::LogOrigin requestLog{secm::managerSourceFile, "SECM_AccessControlManager::GetAccessControlFilter"};
 
 } // namespace
 
