@@ -31,15 +31,15 @@ AttributeCheck AttributeCheck::OfToken(const CheckedScope& scope, const std::str
     return check;
 }
 
-void AttributeCheck::Look(const SECM_Attribute& attribute)
+void AttributeCheck::Check(const SECM_Attribute& attribute)
 {
     isHeld = true;
     for (SubstitutionCheck& substitution : substitutions) {
-        substitution.Look(attribute.value, fmt::format("that of the user '{}'", attribute.userName));
+        substitution.Check(attribute.value, fmt::format("that of the user '{}'", attribute.userName));
     }
 }
 
-void AttributeCheck::Tell(FindingSink& sink) const
+void AttributeCheck::Report(FindingSink& sink) const
 {
     if (!isHeld) {
         sink.Warn("AC042", place, fmt::format("{} asks for the attribute '{}', which no user has", asker, name),
@@ -49,7 +49,7 @@ void AttributeCheck::Tell(FindingSink& sink) const
                   "write the attribute's name as in the security database, or give it to the users");
     }
     for (const SubstitutionCheck& substitution : substitutions) {
-        substitution.Tell(sink);
+        substitution.Report(sink);
     }
 }
 

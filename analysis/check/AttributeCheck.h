@@ -12,15 +12,15 @@ namespace secm::analysis {
 /// An attribute that a token or my_field asks for: whether any user has it, and what its values do to the templates.
 class AttributeCheck {
 public:
-    /// Of my_field, whose value takes the place of %values% in all conditions.
+    /// The attribute that my_field names: its value replaces %values% in all conditions.
     static AttributeCheck OfMyField(const CheckedRepository& repository, const CheckedDefinition& definition);
     static AttributeCheck OfToken(const CheckedScope& scope, const std::string& token);
 
     const std::string& Name() const { return name; }
 
     /// `attribute` is one of that name.
-    void Look(const SECM_Attribute& attribute);
-    void Tell(FindingSink& sink) const;
+    void Check(const SECM_Attribute& attribute);
+    void Report(FindingSink& sink) const;
 
 private:
     AttributeCheck(std::string ofName, std::string askedForBy, const CFG_Place& askedForAt, bool givesValue);
@@ -28,7 +28,7 @@ private:
     std::string name;
     std::string asker;
     CFG_Place place;
-    bool isValue; // else it fills a token
+    bool isValue; // false: it fills a token
     bool isHeld = false;
     std::vector<SubstitutionCheck> substitutions;
 };

@@ -76,7 +76,7 @@ std::vector<Finding> CheckRepositories(const std::vector<CheckedRepository>& rep
     return findings;
 }
 
-// Two rules may find the same.
+// Two rules may find the same mistake.
 std::vector<Finding> SortedWithoutDuplicates(std::vector<Finding> findings)
 {
     std::sort(findings.begin(), findings.end());
@@ -116,7 +116,7 @@ std::vector<Finding> ConfigurationCheck::CheckGrants(SECM_ListingInterface& secu
 {
     std::vector<Finding> findings;
     CheckConnectionRisks(security, findings);
-    CheckGranted(checked->repositories, checked->permissions, security, findings);
+    CheckSecurity(checked->repositories, checked->permissions, security, findings);
     return SortedWithoutDuplicates(std::move(findings));
 }
 

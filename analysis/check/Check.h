@@ -1,4 +1,4 @@
-// Checks a configuration, and what is granted to users, for mistakes that an administrator would regret.
+// Finds the mistakes of administrators in a configuration and in what is granted to users.
 #pragma once
 
 #include "analysis/Export.h"
@@ -14,17 +14,18 @@ class SECM_ListingInterface;
 
 namespace secm::analysis {
 
-/// The configuration has no repository, or none of the name.
+/// The configuration has no repository at all, or none of the name that was given.
 class SECM_ANALYSIS_EXPORT NoRepositoryError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Reads and checks the configuration when it is made, and never reads it again. One object serves one thread at a
-/// time. Objects share nothing.
+/// Reads and checks the configuration in its constructor, and never reads it again. One object serves one thread at a
+/// time. Objects share nothing. An object that was moved from may only be assigned to or destroyed.
 class SECM_ANALYSIS_EXPORT ConfigurationCheck {
 public:
-    /// Checks `repository`, or all repositories, of the configuration in force for the calling thread.
+    /// Checks the repository named `repository`, else all repositories, of the configuration that is in force for the
+    /// calling thread.
     /// Throws NoRepositoryError when there is none to check, std::runtime_error when the configuration library cannot
     /// list what it holds (CFG_ListEntries is null) or the configuration changed meanwhile, and what
     /// SECM_AccessControlInterface::CreateInstance throws.
@@ -33,7 +34,8 @@ public:
     ConfigurationCheck(ConfigurationCheck&& other) noexcept;
     ConfigurationCheck& operator=(ConfigurationCheck&& other) noexcept;
 
-    /// What is wrong with the configuration alone: sorted, each finding once. Valid as long as the object.
+    /// What is wrong with the configuration alone: sorted, each finding once. Valid until the object is destroyed or
+    /// assigned to; moving it keeps them.
     const std::vector<Finding>& Findings() const;
 
     /// What is wrong with the grants and attributes under this configuration, and with the connection: sorted, each

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <string>
-#include <vector>
 
 namespace secm::analysis {
 

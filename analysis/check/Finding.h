@@ -1,4 +1,4 @@
-// What is wrong with a configuration or with what is granted, what it does to users, and what to do.
+// A finding: what is wrong with a configuration or with a grant, what that does to users, and the remedy.
 #pragma once
 
 #include "platform/configuration/CFG_Listing.h"
@@ -14,13 +14,15 @@ enum class Severity { error, warning };
 
 /// Owns its texts. Findings sort by place, then by code.
 struct Finding {
-    CFG_Place place;  ///< Of the wrong name, or of the table that lacks one. No file: the security connection is meant.
+    /// Of the wrong name, or of the table that lacks a name. Without a file: the finding is about the security
+    /// connection.
+    CFG_Place place;
     std::string code; ///< "AC" and three digits.
-    Severity severity;
+    Severity severity = Severity::warning;
     std::string repository; ///< Empty when it concerns several.
-    std::string problem;
-    std::string effect; ///< What will happen to which users.
-    std::string remedy;
+    std::string problem;    ///< What is wrong.
+    std::string effect;     ///< What happens to which users.
+    std::string remedy;     ///< What to do.
 
     auto operator<=>(const Finding&) const = default;
 };

@@ -1,4 +1,4 @@
-// Where the rules put what they find.
+// Collects the findings of the rules.
 #pragma once
 
 #include "analysis/check/Finding.h"

@@ -43,7 +43,7 @@ GrantCheck::GrantCheck(const CheckedRepository& repository, const CheckedDefinit
     }
 }
 
-void GrantCheck::Look(const SECM_Grant& grant)
+void GrantCheck::Check(const SECM_Grant& grant)
 {
     isNamed = true;
     if ((grant.permission.value() & field.permissionValue) != field.permissionValue) {
@@ -59,23 +59,23 @@ void GrantCheck::Look(const SECM_Grant& grant)
         return; // the attribute's value replaces it
     }
     for (SubstitutionCheck& substitution : substitutions) {
-        substitution.Look(resource, PositionOf(grant));
+        substitution.Check(resource, PositionOf(grant));
     }
 }
 
-void GrantCheck::LookAtMisspelt(const SECM_Grant& grant)
+void GrantCheck::CheckMisspelt(const SECM_Grant& grant)
 {
     misspelt[grant.permission.name()].Add(PositionOf(grant));
 }
 
-void GrantCheck::Tell(FindingSink& sink) const
+void GrantCheck::Report(FindingSink& sink) const
 {
     NobodyIsGranted(sink);
     MisspeltPermissions(sink);
     OwnValueStays(sink);
     TokensStay(sink);
     for (const SubstitutionCheck& substitution : substitutions) {
-        substitution.Tell(sink);
+        substitution.Report(sink);
     }
 }
 

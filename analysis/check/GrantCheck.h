@@ -18,10 +18,10 @@ public:
     GrantCheck(const CheckedRepository& repository, const CheckedDefinition& definition);
 
     /// `grant` is one of the definition's permission, whatever its bits.
-    void Look(const SECM_Grant& grant);
+    void Check(const SECM_Grant& grant);
     /// `grant` is one of a permission that no definition asks for, of nearly the same name.
-    void LookAtMisspelt(const SECM_Grant& grant);
-    void Tell(FindingSink& sink) const;
+    void CheckMisspelt(const SECM_Grant& grant);
+    void Report(FindingSink& sink) const;
 
 private:
     void NobodyIsGranted(FindingSink& sink) const;

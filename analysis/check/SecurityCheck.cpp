@@ -31,7 +31,7 @@ std::string Folded(const std::string& name)
     return folded;
 }
 
-// All checks, found by the permission and by the attribute that they look at.
+// All checks, indexed by the permission and by the attribute that they are about.
 class SecurityChecks {
 public:
     SecurityChecks(const std::vector<CheckedRepository>& repositories,
@@ -47,43 +47,43 @@ public:
         }
     }
 
-    void Look(const SECM_Grant& grant)
+    void Check(const SECM_Grant& grant)
     {
         const std::string name = grant.permission.name();
         if (askedFor.count(name) != 0) {
-            ForEach(byName, name, [&](GrantCheck& check) { check.Look(grant); });
+            ForEach(byName, name, [&](GrantCheck& check) { check.Check(grant); });
         } else {
-            ForEach(byFoldedName, Folded(name), [&](GrantCheck& check) { check.LookAtMisspelt(grant); });
+            ForEach(byFoldedName, Folded(name), [&](GrantCheck& check) { check.CheckMisspelt(grant); });
         }
     }
 
-    void Look(const SECM_Attribute& attribute)
+    void Check(const SECM_Attribute& attribute)
     {
-        ForEach(byAttribute, attribute.name, [&](AttributeCheck& check) { check.Look(attribute); });
+        ForEach(byAttribute, attribute.name, [&](AttributeCheck& check) { check.Check(attribute); });
     }
 
-    void Tell(std::vector<Finding>& findings) const
+    void Report(std::vector<Finding>& findings) const
     {
         for (const auto& [repository, check] : grants) {
             FindingSink sink(findings, repository);
-            check.Tell(sink);
+            check.Report(sink);
         }
         for (const auto& [repository, check] : attributes) {
             FindingSink sink(findings, repository);
-            check.Tell(sink);
+            check.Report(sink);
         }
     }
 
 private:
-    template <class Check>
-    using Index = std::unordered_map<std::string, std::vector<Check*>>;
+    template <class OneCheck>
+    using Index = std::unordered_map<std::string, std::vector<OneCheck*>>;
 
-    template <class Check, class Operation>
-    static void ForEach(const Index<Check>& index, const std::string& name, const Operation& look)
+    template <class OneCheck, class Operation>
+    static void ForEach(const Index<OneCheck>& index, const std::string& name, const Operation& operation)
     {
         if (const auto found = index.find(name); found != index.end()) {
-            for (Check* check : found->second) {
-                look(*check);
+            for (OneCheck* check : found->second) {
+                operation(*check);
             }
         }
     }
@@ -102,7 +102,7 @@ private:
                 }
             }
         }
-        if (IsFramed(field.myField)) { // AC030 tells about one that is not framed
+        if (IsFramed(field.myField)) { // AC030 is about one that is not framed
             Add(repository, AttributeCheck::OfMyField(repository, definition));
         }
     }
@@ -124,13 +124,13 @@ private:
 
 } // namespace
 
-void CheckGranted(const std::vector<CheckedRepository>& repositories, const std::unordered_set<std::string>& askedFor,
-                  SECM_ListingInterface& security, std::vector<Finding>& findings)
+void CheckSecurity(const std::vector<CheckedRepository>& repositories, const std::unordered_set<std::string>& askedFor,
+                   SECM_ListingInterface& security, std::vector<Finding>& findings)
 {
     SecurityChecks checks(repositories, askedFor);
-    security.ForEachGrant([&](const SECM_Grant& grant) { checks.Look(grant); });
-    security.ForEachAttribute([&](const SECM_Attribute& attribute) { checks.Look(attribute); });
-    checks.Tell(findings);
+    security.ForEachGrant([&](const SECM_Grant& grant) { checks.Check(grant); });
+    security.ForEachAttribute([&](const SECM_Attribute& attribute) { checks.Check(attribute); });
+    checks.Report(findings);
 }
 
 } // namespace secm::analysis

@@ -73,7 +73,7 @@ void SubstitutionCheck::AddPlace(const std::string& before, const std::string& b
     matchesEverything = matchesEverything || MatchesEverything(before, behind, quote);
 }
 
-void SubstitutionCheck::Look(const std::string& text, const std::string& where)
+void SubstitutionCheck::Check(const std::string& text, const std::string& where)
 {
     const bool isNoValue = text.empty() || (text == ownValue && scope.condition.fillsTokens);
     if (!isUsed || (isNoValue && !isToken)) {
@@ -106,7 +106,7 @@ std::string SubstitutionCheck::InWords(const FirstAndCount& texts) const
                                  : texts.InWords("value", fmt::format(" of the attribute '{}'", attributeName));
 }
 
-void SubstitutionCheck::Tell(FindingSink& sink) const
+void SubstitutionCheck::Report(FindingSink& sink) const
 {
     QuotesInside(sink);
     PlaceholdersInside(sink);

@@ -5,7 +5,6 @@
 #include "analysis/check/FirstAndCount.h"
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace secm::analysis {
@@ -18,9 +17,9 @@ public:
     SubstitutionCheck(const CheckedScope& scope, const std::string& token, std::string attribute);
 
     /// `where` names the text in a finding.
-    void Look(const std::string& text, const std::string& where);
+    void Check(const std::string& text, const std::string& where);
     /// One finding for each kind of problem, however many texts have it.
-    void Tell(FindingSink& sink) const;
+    void Report(FindingSink& sink) const;
 
 private:
     // Adds a place in the filter where a text may stand, between `before` and `behind`.

@@ -11,8 +11,8 @@ namespace secm::analysis {
 
 namespace {
 
-// More of the one and less of the other cannot be told.
-Change Together(Change one, Change other)
+// Wider in one part and narrower in another is only "changed".
+Change Combined(Change one, Change other)
 {
     if (one == Change::same || one == other) {
         return other;
@@ -25,9 +25,9 @@ Change Reversed(Change change)
     return change == Change::wider ? Change::narrower : (change == Change::narrower ? Change::wider : change);
 }
 
-void Notice(FieldChange& field, Change change, const std::string& because)
+void AddTo(FieldChange& field, Change change, const std::string& because)
 {
-    field.change = Together(field.change, change);
+    field.change = Combined(field.change, change);
     if (!because.empty()) {
         field.because = because;
     }
@@ -90,13 +90,13 @@ bool IsSameTemplate(const ConditionTrace& one, const ConditionTrace& other)
 }
 
 // What is written around and between several values.
-auto ListOf(const FilterSettings& settings)
+auto ListSettingsOf(const FilterSettings& settings)
 {
     return std::tie(settings.multipleEqualOperator, settings.valueMultiplicityDelimiter,
                     settings.valueMultiplicityPrefix, settings.valueMultiplicitySuffix);
 }
 
-// In order, each once.
+// Sorted, each once.
 std::vector<std::string> ValuesIn(const FieldTrace& field, const ConditionTrace& condition)
 {
     std::vector<std::string> values = condition.rule->isMapped ? condition.mapped : ValuesOf(field);
@@ -106,7 +106,7 @@ std::vector<std::string> ValuesIn(const FieldTrace& field, const ConditionTrace&
 }
 
 // The template is then filled with attributes instead of values.
-bool IsOwn(const std::vector<std::string>& values)
+bool IsOwnValue(const std::vector<std::string>& values)
 {
     return values == std::vector<std::string>{std::string(ownValue)};
 }
@@ -156,7 +156,7 @@ UserChange TraceComparison::Compare(const Trace& old, const Trace& now) const
     const Outcome was = old.answer.outcome;
     const Outcome is = now.answer.outcome;
     if (old.answer.filter == now.answer.filter) {
-        return user; // whatever it means
+        return user; // whatever the outcomes are
     }
     // An empty filter lets everything through, whatever led to it.
     if (now.answer.filter.empty()) {
@@ -188,7 +188,7 @@ void TraceComparison::CompareFields(const Trace& old, const Trace& now, UserChan
     for (const std::string& name : names) {
         FieldChange field = CompareField(name, Find(name, old), Find(name, now));
         if (field.change != Change::same) {
-            user.change = Together(user.change, field.change);
+            user.change = Combined(user.change, field.change);
             user.fields.push_back(std::move(field));
         }
     }
@@ -196,7 +196,7 @@ void TraceComparison::CompareFields(const Trace& old, const Trace& now, UserChan
         user.change = Change::changed;
         user.because = "filter_delimiter is another";
     }
-    // What is not in parentheses means something else beside others.
+    // A clause without parentheses can mean something else in another place.
     if (RestrictingInBoth(old, now) != RestrictingInBoth(now, old)) {
         user.change = Change::changed;
         user.because = "the fields stand in another order";
@@ -225,9 +225,9 @@ FieldChange TraceComparison::CompareField(const std::string& name, const FieldTr
     if (Restricts(old) && Restricts(now)) {
         CompareClauses(*old, *now, field);
     } else if (Restricts(old)) {
-        Notice(field, Change::wider, WhyUnrestricted(now) + " now");
+        AddTo(field, Change::wider, WhyUnrestricted(now) + " now");
     } else if (Restricts(now)) {
-        Notice(field, Change::narrower, WhyUnrestricted(old) + " before");
+        AddTo(field, Change::narrower, WhyUnrestricted(old) + " before");
     }
     return field;
 }
@@ -239,7 +239,7 @@ void TraceComparison::CompareClauses(const FieldTrace& old, const FieldTrace& no
     }
     const std::string why = WhyWrittenOtherwise(old, now);
     if (!why.empty()) {
-        return Notice(field, Change::changed, why);
+        return AddTo(field, Change::changed, why);
     }
     for (std::size_t index = 0; index < old.conditions.size(); ++index) {
         CompareConditions(old, now, index, field);
@@ -256,26 +256,26 @@ void TraceComparison::CompareConditions(const FieldTrace& old, const FieldTrace&
         return;
     }
     if (was.text.empty() || is.text.empty()) {
-        return Notice(field, Change::changed, name + " came out empty " + (is.text.empty() ? "now" : "before"));
+        return AddTo(field, Change::changed, name + " came out empty " + (is.text.empty() ? "now" : "before"));
     }
     const std::vector<std::string> valuesBefore = ValuesIn(old, was);
     const std::vector<std::string> valuesNow = ValuesIn(now, is);
-    if (IsOwn(valuesBefore) || IsOwn(valuesNow)) {
-        return Notice(field, Change::changed, name + " is filled with other attributes of the user");
+    if (IsOwnValue(valuesBefore) || IsOwnValue(valuesNow)) {
+        return AddTo(field, Change::changed, name + " is filled with other attributes of the user");
     }
     if (was.rule->text.find(valuesPlaceholder) == std::string::npos) {
-        return Notice(field, Change::changed, name + " does not say which values it is for");
+        return AddTo(field, Change::changed, name + " does not say which values it is for");
     }
     const std::vector<std::string> added = Without(valuesNow, valuesBefore);
     const std::vector<std::string> removed = Without(valuesBefore, valuesNow);
     AddOnce(field.added, added);
     AddOnce(field.removed, removed);
     const Change more = excluding.count(field.field) != 0 ? Change::narrower : Change::wider;
-    Notice(field, added.empty() ? Change::same : more, "");
-    Notice(field, removed.empty() ? Change::same : Reversed(more), "");
+    AddTo(field, added.empty() ? Change::same : more, "");
+    AddTo(field, removed.empty() ? Change::same : Reversed(more), "");
 }
 
-// Where a difference of values would not be the only one.
+// Why the clauses would differ even with the same values; empty: only the values make a difference.
 std::string TraceComparison::WhyWrittenOtherwise(const FieldTrace& old, const FieldTrace& now) const
 {
     if (!std::equal(old.conditions.begin(), old.conditions.end(), now.conditions.begin(), now.conditions.end(),
@@ -291,7 +291,7 @@ std::string TraceComparison::WhyWrittenOtherwise(const FieldTrace& old, const Fi
     const bool usesSingle = countBefore == 1 || countNow == 1;
     const bool usesSeveral = countBefore > 1 || countNow > 1;
     if ((usesSingle && before.singleEqualOperator != after.singleEqualOperator) ||
-        (usesSeveral && ListOf(before) != ListOf(after))) {
+        (usesSeveral && ListSettingsOf(before) != ListSettingsOf(after))) {
         return "the operators, or what is put around and between values, are others";
     }
     return {};

@@ -1,5 +1,6 @@
-// Whether a user sees more or less under other rules. The filters' language is not known, so this is told from the
-// outcome and, field by field, from the values, and only where nothing else makes a difference.
+// Compares two answers to one request: does the user see more or fewer records? The language of the filters is not
+// known, so outcomes are compared and, field by field, values. Where anything else differs, the change is only
+// "changed".
 #pragma once
 
 #include "analysis/trace/Trace.h"
@@ -10,18 +11,18 @@
 
 namespace secm::analysis {
 
-/// Changed: it cannot be told.
+/// Wider: the user sees more records. Changed: the answers differ, and which shows more is not known.
 enum class Change { wider, changed, narrower, same };
 
-/// "wider", "changed", "narrower" or "same".
+/// "wider", "changed", "narrower" or "same". Any thread may call.
 SECM_ANALYSIS_EXPORT const char* NameOf(Change change);
 
 struct FieldChange {
     std::string field;
     Change change = Change::same;
-    std::string because;              ///< Where the values do not say it: held outright, or why it cannot be told.
-    std::vector<std::string> added;   ///< Values that go into the filter, by a values function where there is one.
-    std::vector<std::string> removed; ///< Likewise.
+    std::string because;              ///< The reason, where it is not the values; empty otherwise.
+    std::vector<std::string> added;   ///< Values that only the later filter has, after the values function.
+    std::vector<std::string> removed; ///< Values that only the earlier filter has, likewise.
 };
 
 struct UserChange {
@@ -29,30 +30,31 @@ struct UserChange {
     Answer before;
     Answer after;
     Change change = Change::same;
-    std::string because;             ///< Where the fields do not say it.
-    std::vector<FieldChange> fields; ///< That differ.
+    std::string because;             ///< The reason, where it is not the fields; empty otherwise.
+    std::vector<FieldChange> fields; ///< Those that differ.
 };
 
-/// A filter that stands in the settings and is another, whether or not it goes to anybody today.
+/// A filter in the settings that differs, whether or not any user gets it today.
 struct SettingChange {
     const char* setting;
-    const char* users; ///< To whom it goes.
-    Change change;     ///< Wider or narrower only where one of the two is empty.
+    const char* users; ///< Who gets it, in words.
+    Change change;     ///< Wider or narrower only when one of the two filters is empty.
     std::string before;
     std::string after;
 };
 
-/// Holds copies of what it is given. Any thread may compare at any time.
+/// Holds copies of what it is given. Any thread may compare at any time. Throws nothing but std::bad_alloc.
 class TraceComparison {
 public:
-    /// `excludingFields` are those whose values name records that are hidden: a further value shows fewer records.
+    /// The settings of the repository before and after. `excludingFields` are the names of fields whose values name
+    /// records that are hidden: a further value shows fewer records.
     SECM_ANALYSIS_EXPORT TraceComparison(FilterSettings settingsBefore, FilterSettings settingsAfter,
                                          std::set<std::string> excludingFields);
 
     /// Compares the traces of one request under the settings before and after.
     SECM_ANALYSIS_EXPORT UserChange Compare(const Trace& before, const Trace& after) const;
 
-    /// The settings that differ.
+    /// Those of the default filter and the hide-all filter that differ.
     SECM_ANALYSIS_EXPORT std::vector<SettingChange> CompareSettings() const;
 
 private:

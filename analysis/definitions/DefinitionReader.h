@@ -1,5 +1,5 @@
-// Reads what the module does not keep of a definition: the field's name, the place of its table, and why the module
-// leaves the definition out.
+// Reads what the module does not keep of a definition: the field's name, the place of its table, and the reason why
+// the module leaves it out.
 #pragma once
 
 #include "analysis/definitions/Rules.h"
@@ -20,7 +20,7 @@ struct DefinitionTable {
 };
 
 /// The definitions of the configuration that is in force for the calling thread when the object is made. Lists all
-/// tables once, so that many repositories cost no more than one. Only read afterwards: any thread may call.
+/// tables once, so that many repositories cost no more than one. Immutable: any thread may read it.
 class DefinitionReader {
 public:
     /// Throws what CFG_Factory::GetRepositoryServices throws. Without a configuration there are no definitions.

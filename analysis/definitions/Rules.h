@@ -11,7 +11,7 @@
 
 namespace secm::analysis {
 
-/// The settings of a repository. One that is missing is empty.
+/// The settings of a repository. A missing one is empty.
 struct FilterSettings {
     std::string hideAllFilter;
     std::string defaultFilter;
@@ -57,12 +57,13 @@ struct FieldRule {
     std::vector<ConditionRule> conditions;
 };
 
-/// Owns its texts: it stays valid when the configuration is reloaded.
+/// All rules of one repository. Owns its texts, so it stays valid when the configuration is reloaded. Immutable: any
+/// thread may read it.
 struct RepositoryRules {
     std::string repository;
     FilterSettings settings;
-    std::vector<std::shared_ptr<const FieldRule>> fields; ///< In force, in the order of the configuration.
-    std::vector<std::shared_ptr<const FieldRule>> all;    ///< With those that are left out, in that order.
+    std::vector<std::shared_ptr<const FieldRule>> fields; ///< Those in force, in the order of the configuration.
+    std::vector<std::shared_ptr<const FieldRule>> all;    ///< Also those that are left out, in the same order.
 };
 
 /// The texts of `reasons`, separated by "; ".

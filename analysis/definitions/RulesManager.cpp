@@ -50,6 +50,21 @@ ConditionRule ConditionRuleOf(const ConditionDefinition& condition, unsigned num
     return rule;
 }
 
+std::shared_ptr<FieldRule> RuleAt(const DefinitionTable& table)
+{
+    auto rule = std::make_shared<FieldRule>();
+    rule->name = table.field;
+    rule->path = table.path;
+    rule->place = table.place;
+    return rule;
+}
+
+[[noreturn]] void RefuseChanged(const std::string& repository)
+{
+    throw std::runtime_error(
+        fmt::format("the configuration of the repository '{}' changed while it was read; read it again", repository));
+}
+
 } // namespace
 
 std::string InWords(const std::vector<OmissionReason>& reasons)
@@ -71,46 +86,47 @@ RulesManager::RulesManager(const std::string& repository, const DefinitionReader
                                                    {},
                                                    {}}
 {
-    const auto refuse = [&] {
-        throw std::runtime_error(fmt::format(
-            "the configuration of the repository '{}' changed while it was read; read it again", repository));
-    };
-    if (fieldDefinitions.empty() && !IsConfigured(repository)) {
-        return;
-    }
-    auto next = fieldDefinitions.begin();
-    for (const DefinitionTable& table : definitions.TablesOf(repository)) {
-        const std::unique_ptr<CFG_RepositoryServices> node(
-            CFG_Factory::GetRepositoryServices()->GetSubTree(table.path));
-        if (!node) {
-            refuse();
-        }
-        std::vector<OmissionReason> reasons = ReasonsToOmit(*node);
-        if (!reasons.empty()) {
-            auto omitted = std::make_shared<FieldRule>();
-            omitted->name = table.field;
-            omitted->path = table.path;
-            omitted->place = table.place;
-            omitted->omitted = std::move(reasons);
-            rules.all.push_back(std::move(omitted));
-        } else if (next != fieldDefinitions.end() && IsReadFrom(**next, *node)) {
-            Name(**next++, table, *node);
-        } else {
-            refuse();
-        }
-    }
-    if (next != fieldDefinitions.end()) {
-        refuse();
+    if (!fieldDefinitions.empty() || IsConfigured(repository)) {
+        AddRules(definitions);
     }
 }
 
-void RulesManager::Name(const FieldDefinition& definition, const DefinitionTable& table,
-                        const CFG_RepositoryServices& node)
+// Walks through the tables and the module's definitions side by side: both are in the order of the configuration, and
+// the module has no definition for a table that it leaves out.
+void RulesManager::AddRules(const DefinitionReader& definitions)
 {
-    auto rule = std::make_shared<FieldRule>();
-    rule->name = table.field;
-    rule->path = table.path;
-    rule->place = table.place;
+    auto next = fieldDefinitions.begin();
+    for (const DefinitionTable& table : definitions.TablesOf(rules.repository)) {
+        const std::unique_ptr<CFG_RepositoryServices> node(
+            CFG_Factory::GetRepositoryServices()->GetSubTree(table.path));
+        if (!node) {
+            RefuseChanged(rules.repository);
+        }
+        std::vector<OmissionReason> reasons = ReasonsToOmit(*node);
+        if (!reasons.empty()) {
+            AddOmitted(table, std::move(reasons));
+        } else if (next != fieldDefinitions.end() && IsReadFrom(**next, *node)) {
+            AddRule(**next++, table, *node);
+        } else {
+            RefuseChanged(rules.repository);
+        }
+    }
+    if (next != fieldDefinitions.end()) {
+        RefuseChanged(rules.repository);
+    }
+}
+
+void RulesManager::AddOmitted(const DefinitionTable& table, std::vector<OmissionReason> reasons)
+{
+    std::shared_ptr<FieldRule> rule = RuleAt(table);
+    rule->omitted = std::move(reasons);
+    rules.all.push_back(std::move(rule));
+}
+
+void RulesManager::AddRule(const FieldDefinition& definition, const DefinitionTable& table,
+                           const CFG_RepositoryServices& node)
+{
+    std::shared_ptr<FieldRule> rule = RuleAt(table);
     rule->permissionName = definition.permissionName;
     rule->permissionValue = definition.permissionValue;
     rule->conditionsDelimiter = definition.conditionsDelimiter;

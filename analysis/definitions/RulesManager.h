@@ -5,7 +5,6 @@
 #include "analysis/definitions/DefinitionReader.h"
 #include "analysis/definitions/Rules.h"
 
-#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -15,7 +14,8 @@ namespace secm::analysis {
 class RulesManager : public SECM_AccessControlManager {
 public:
     /// Reads as SECM_AccessControlInterface::CreateInstance does, and throws what that throws. Throws
-    /// std::runtime_error when `definitions` was read from another configuration. Does not keep `definitions`.
+    /// std::runtime_error when `definitions` does not fit, because the configuration changed since it was read. Does
+    /// not keep `definitions`.
     RulesManager(const std::string& repository, const DefinitionReader& definitions);
     explicit RulesManager(const std::string& repository);
 
@@ -36,7 +36,9 @@ protected:
     const ConditionRule& RuleOf(const ConditionDefinition& condition) const;
 
 private:
-    void Name(const FieldDefinition& definition, const DefinitionTable& table, const CFG_RepositoryServices& node);
+    void AddRules(const DefinitionReader& definitions);
+    void AddRule(const FieldDefinition& definition, const DefinitionTable& table, const CFG_RepositoryServices& node);
+    void AddOmitted(const DefinitionTable& table, std::vector<OmissionReason> reasons);
 
     RepositoryRules rules;
     std::unordered_map<const ConditionDefinition*, const ConditionRule*> rulesByCondition;

@@ -1,4 +1,4 @@
-// Why an answer is what it is, in words.
+// The reasons of an answer, in words. Any thread may call the functions.
 #pragma once
 
 #include "analysis/trace/Trace.h"
@@ -7,13 +7,14 @@
 
 namespace secm::analysis {
 
-/// Why the answer is the hide-all filter, or the default filter; empty: it is neither.
+/// Why the answer is the hide-all filter or the default filter; empty when it is neither.
 SECM_ANALYSIS_EXPORT std::string WhyNotComposed(const Trace& trace);
 
-/// Why a condition adds nothing; empty: it adds its text.
+/// Why the condition adds nothing; empty when it adds its text.
 SECM_ANALYSIS_EXPORT std::string WhyEmpty(const ConditionTrace& condition);
 
-/// Whether a field that is not held outright leaves the user unrestricted all the same.
+/// Whether the field adds no clause although it has values: then it does not restrict the user, who does not hold its
+/// permission outright.
 SECM_ANALYSIS_EXPORT bool RestrictsNothing(const FieldTrace& field);
 
 } // namespace secm::analysis

@@ -3,7 +3,6 @@
 #include "platform/security_manager/PermissionBase.h"
 #include "platform/security_manager/UserDetailsInterface.h"
 
-#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -50,7 +49,7 @@ Trace TraceRecorder::Finish(std::string filter, const WhatIf& tried)
     return std::exchange(trace, {});
 }
 
-// A field that is not held and leaves no value hides everything: its conditions are not asked for their texts then.
+// The module fills no condition of a field that hides every record.
 Outcome TraceRecorder::OutcomeOf(const std::string& filter) const
 {
     if (!isKnown) {

@@ -1,4 +1,4 @@
-// Writes one trace, from what the steps of a request and their decorators report in the order in which they happen.
+// Builds the trace of one request from what the module's steps and the decorators report while it runs.
 #pragma once
 
 #include "analysis/definitions/Rules.h"
@@ -14,22 +14,23 @@ namespace secm::analysis {
 
 class TraceRecorder {
 public:
-    /// `ofRules` must live as long.
+    /// `ofRules` must outlive the recorder.
     explicit TraceRecorder(const RepositoryRules& ofRules) : rules(ofRules) {}
 
+    /// Forgets an earlier request, also one that ended in an exception.
     void Begin(const Request& request);
 
-    /// The trace of the request since Begin, which gave `filter`. Afterwards the recorder is empty.
+    /// The trace of the request since Begin. `filter` is what the request gave.
     Trace Finish(std::string filter, const WhatIf& tried);
 
     // What the security manager answers.
-    void AddUser(UserDetailsInterface* user); ///< Null: nothing is told of the user, who is known.
+    void AddUser(UserDetailsInterface* user); ///< Null: the user is known, but there are no details.
     void AddMissingPermissionList() { lacksPermissions = true; }
     void AddPermission(const PermissionBase& permission, bool isHeld); ///< Opens the next field.
     void AddResources(const std::vector<std::string>& resources, bool areTold);
     void AddAttribute(const char* name, const char* value);
 
-    // What the steps of the open field make of it.
+    // What the module's steps make of it, for the field that AddPermission opened last.
     void BeginStep() { attributes.clear(); }
     void AddValue(std::string resource, const std::string& value); ///< With the attribute asked for since BeginStep.
     std::size_t ValueCount() const { return trace.fields.back().values.size(); }

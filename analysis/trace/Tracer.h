@@ -9,7 +9,8 @@
 
 namespace secm::analysis {
 
-/// One object serves one thread at a time. Objects share nothing.
+/// One object serves one thread at a time. Objects share nothing. A tracer that was moved from may only be assigned to
+/// or destroyed. After an exception the tracer may be used again.
 class SECM_ANALYSIS_EXPORT Tracer {
 public:
     /// Reads the configuration that is in force for the calling thread, once and for the object's life. A repository
@@ -21,16 +22,18 @@ public:
     Tracer(Tracer&& other) noexcept;
     Tracer& operator=(Tracer&& other) noexcept;
 
-    /// As SECM_AccessControlInterface::InitSecurityConnection. False: the security manager refused, and logged why.
+    /// Connects as SECM_AccessControlInterface::InitSecurityConnection does, within `timeoutSeconds` (0: the security
+    /// manager's own limit). False: the security manager refused and logged the reason; Explain then throws. Another
+    /// call replaces the connection. Throws std::runtime_error when the administration library cannot be opened.
     bool Connect(const char* connectionText, unsigned timeoutSeconds);
 
-    /// Composes the user's filter by the module and tells how it came about. The filter is the one that a request of a
-    /// host gets; with changes that are tried, the one that it would get.
+    /// Lets the module compose the user's filter, and gives it with the steps that led to it. A request of a host gets
+    /// the same filter; with changes that are tried, it would get it if they were stored.
     /// Throws what a request throws, and std::runtime_error when there is no connection, when the changes cannot be
     /// tried, or when a request would refuse what they grant.
     Trace Explain(const Request& request);
 
-    /// What the configuration says. Valid as long as the object.
+    /// The rules that the constructor read. Valid until the tracer is destroyed or assigned to; moving it keeps them.
     const RepositoryRules& Rules() const;
 
 private:

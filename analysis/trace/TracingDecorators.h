@@ -1,4 +1,5 @@
-// Stand between the module and the security manager, pass everything on, and report the answers to a recorder.
+// Decorators of the security manager's interfaces: they pass every call on and report the answers to a recorder. What
+// their constructors take must outlive them.
 #pragma once
 
 #include "platform/security_manager/SMADM_Interface.h"
@@ -12,12 +13,12 @@ namespace secm::analysis {
 
 class TraceRecorder;
 
-/// All that the constructors take must live as long as the objects.
+/// Stands for one user at a time. Valid as long as that user.
 class TracedDetails final : public UserDetailsInterface {
 public:
     explicit TracedDetails(TraceRecorder& traceRecorder) : recorder(traceRecorder) {}
 
-    /// What stands for `user`; null for null.
+    /// This object, which from now on stands for `user`; null when `user` is null.
     UserDetailsInterface* For(UserDetailsInterface* user);
 
     bool GetGroupName(std::string& groupName) override { return original->GetGroupName(groupName); }

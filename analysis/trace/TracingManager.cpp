@@ -12,7 +12,7 @@ Tracer::TracingManager::TracingManager(const std::string& repository, WhatIf tri
 
 bool Tracer::TracingManager::InitSecurityConnection(const char* connectionText, unsigned connectionValue)
 {
-    tracedSecurityManager.reset(); // without a connection there is nothing to trace
+    tracedSecurityManager.reset(); // Explain refuses while there is none
     if (!SECM_AccessControlManager::InitSecurityConnection(connectionText, connectionValue)) {
         return false;
     }
@@ -35,7 +35,7 @@ Trace Tracer::TracingManager::Explain(const Request& request)
         throw std::runtime_error("there is no connection to the security manager; connect the tracer first");
     }
     for (WhatIf::Revocation& revocation : tried.revocations) {
-        revocation.revoked = 0; // for a user who is not known
+        revocation.revoked = 0; // a user who is not known gets no count
     }
     recorder.Begin(request);
     std::string filter = request.withoutLogin ? GetAccessControlFilter(request.userName)
@@ -58,7 +58,7 @@ void Tracer::TracingManager::ReplaceSingleValue(std::string& value, const FieldD
     const std::size_t before = recorder.ValueCount();
     recorder.BeginStep();
     SECM_AccessControlManager::ReplaceSingleValue(value, field, secmInterface);
-    if (recorder.ValueCount() == before) { // nothing was told of the user
+    if (recorder.ValueCount() == before) { // there are no details of the user
         recorder.AddValue(value, value);
     }
 }

@@ -1,4 +1,4 @@
-// The manager behind a tracer: composes as the module does and reports each step to a recorder.
+// The manager behind a tracer. The module composes, and each of its steps is reported to a recorder.
 #pragma once
 
 #include "analysis/definitions/RulesManager.h"
@@ -7,7 +7,6 @@
 #include "analysis/trace/TracingDecorators.h"
 #include "analysis/trace/WhatIfDecorators.h"
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -43,7 +42,8 @@ private:
 
     WhatIf tried;
     TraceRecorder recorder;
-    // In the order in which a question passes them; those of what-if only when something is tried.
+    // None before InitSecurityConnection. The module calls the traced ones; they call the changed ones, which exist
+    // only when something is tried.
     std::optional<TracedSecurityManager> tracedSecurityManager;
     std::optional<TracedAdministration> tracedAdministration;
     std::optional<ChangedSecurityManager> changedSecurityManager;

@@ -1,4 +1,4 @@
-// Changes of a user's attributes and permissions that are tried without anything being written.
+// Changes of a user's attributes and permissions that Explain tries. Nothing is written.
 #pragma once
 
 #include "platform/security_manager/PermissionBase.h"
@@ -10,15 +10,16 @@
 
 namespace secm::analysis {
 
+/// A value; copies are independent.
 struct WhatIf {
     /// Takes away a permission by its name, or one resource of it.
     struct Revocation {
         std::string permission;  ///< NAME or NAME:RESOURCE.
-        std::size_t revoked = 0; ///< How many permissions it takes away from the user.
+        std::size_t revoked = 0; ///< Result in a Trace: how many permissions it takes away from the user.
     };
 
-    std::map<std::string, std::string, std::less<>> attributes;
-    std::vector<PermissionBase> grants;
+    std::map<std::string, std::string, std::less<>> attributes; ///< The new values, by name.
+    std::vector<PermissionBase> grants;                         ///< Held in addition, after the others.
     std::vector<Revocation> revocations;
 
     bool IsEmpty() const { return attributes.empty() && !ChangesPermissions(); }

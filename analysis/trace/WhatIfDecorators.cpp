@@ -34,7 +34,7 @@ void RequireAllowed(const WhatIf& tried)
     }
 }
 
-bool IsMeant(const std::string& revoked, const PermissionBase& permission)
+bool IsRevokedBy(const std::string& revoked, const PermissionBase& permission)
 {
     const std::string name = permission.name();
     return revoked == name || (permission.resource() != nullptr && revoked == name + ":" + permission.resource());
@@ -42,7 +42,7 @@ bool IsMeant(const std::string& revoked, const PermissionBase& permission)
 
 } // namespace
 
-std::vector<PermissionBase> Applied(WhatIf& tried, const std::vector<PermissionBase>& permissions)
+std::vector<PermissionBase> WithChanges(WhatIf& tried, const std::vector<PermissionBase>& permissions)
 {
     for (WhatIf::Revocation& revocation : tried.revocations) {
         revocation.revoked = 0;
@@ -52,7 +52,7 @@ std::vector<PermissionBase> Applied(WhatIf& tried, const std::vector<PermissionB
         bool isRevoked = false;
         for (WhatIf::Revocation& revocation : tried.revocations) {
             // A permission that several revocations name counts for each of them.
-            if (IsMeant(revocation.permission, permission)) {
+            if (IsRevokedBy(revocation.permission, permission)) {
                 ++revocation.revoked;
                 isRevoked = true;
             }
@@ -125,7 +125,7 @@ void ChangedSecurityManager::ChangePermissions(UserDetailsInterface& user)
     if (!list) {
         throw std::runtime_error("the security manager lists no permissions, so no change can be tried");
     }
-    changedPermissions = std::make_unique<ChangedPermissionList>(Applied(tried, *list->GetPermissions()));
+    changedPermissions = std::make_unique<ChangedPermissionList>(WithChanges(tried, *list->GetPermissions()));
 }
 
 bool ChangedSecurityManager::Logout()
@@ -174,7 +174,7 @@ PermissionListInterface* ChangedAdministration::GetPermissionList(const char* gr
 {
     std::unique_ptr<PermissionListInterface> list(original.GetPermissionList(group, user));
     if (list && tried.ChangesPermissions()) {
-        list = std::make_unique<ChangedPermissionList>(Applied(tried, *list->GetPermissions()));
+        list = std::make_unique<ChangedPermissionList>(WithChanges(tried, *list->GetPermissions()));
     }
     return list.release();
 }

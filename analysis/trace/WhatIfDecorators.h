@@ -1,4 +1,5 @@
-// Stand between the module and the security manager and answer as if the changes that are tried were stored.
+// Decorators of the security manager's interfaces: they answer as if the changes that are tried were stored. What their
+// constructors take must outlive them.
 #pragma once
 
 #include "analysis/trace/WhatIf.h"
@@ -13,11 +14,11 @@
 
 namespace secm::analysis {
 
-/// A user's permissions as they would be: without what is revoked, and with what is granted behind the others. Counts
-/// in `tried` what each revocation takes away.
-std::vector<PermissionBase> Applied(WhatIf& tried, const std::vector<PermissionBase>& permissions);
+/// `permissions` without those that are revoked, followed by those that are granted. Sets in `tried` how many each
+/// revocation takes away.
+std::vector<PermissionBase> WithChanges(WhatIf& tried, const std::vector<PermissionBase>& permissions);
 
-/// How the module answers from a permission list what a security manager answers of a user who is logged in.
+/// Decides from a permission list as the module does for requests by name.
 class ListMatching {
 public:
     virtual bool Holds(PermissionListInterface& list, const PermissionBase& permission) = 0;
@@ -28,12 +29,12 @@ protected:
     ~ListMatching() = default;
 };
 
-/// A user with the attributes that are tried. The user whom it stands for stays the security manager's.
+/// Stands for one user at a time and gives the attributes that are tried. Valid as long as that user.
 class ChangedDetails final : public UserDetailsInterface {
 public:
     explicit ChangedDetails(const WhatIf& triedChanges) : tried(triedChanges) {}
 
-    /// What stands for `user`; null for null.
+    /// This object, which from now on stands for `user`; null when `user` is null.
     UserDetailsInterface* For(UserDetailsInterface* user);
 
     bool GetGroupName(std::string& groupName) override { return original->GetGroupName(groupName); }
@@ -44,9 +45,8 @@ private:
     UserDetailsInterface* original = nullptr;
 };
 
-/// The security manager is passed on to `original`, apart from the user's attributes and permissions. All that the
-/// constructor takes must live as long. Logging a user in throws std::runtime_error when the changes cannot be tried or
-/// when a request would refuse them.
+/// Passes every call on to `original`, apart from questions about the user's attributes and permissions. IsLoggedIn
+/// throws std::runtime_error when the changes cannot be tried, or when a request would refuse them.
 class ChangedSecurityManager final : public SecurityManagerInterface {
 public:
     ChangedSecurityManager(SecurityManagerInterface& originalManager, SMADM_Interface& administrationInterface,
@@ -66,7 +66,7 @@ private:
     void ChangePermissions(UserDetailsInterface& user);
 
     SecurityManagerInterface& original;
-    SMADM_Interface& administration; // gives the same permissions, as a list
+    SMADM_Interface& administration; // gives the permissions of the user who is logged in as a list
     ListMatching& matching;
     WhatIf& tried;
     ChangedDetails details;
@@ -74,7 +74,7 @@ private:
     std::unique_ptr<PermissionListInterface> changedPermissions; // null: permissions are not changed
 };
 
-/// The same for users who are asked for by name.
+/// The same for requests by name. GetUserDetails throws when a request would refuse the changes.
 class ChangedAdministration final : public SMADM_Interface {
 public:
     ChangedAdministration(SMADM_Interface& originalInterface, WhatIf& triedChanges);

@@ -62,7 +62,7 @@ TEST_P(ChangedPermissionsTest, AreHeld)
     }
     EXPECT_EQ(tried.ChangesPermissions(), !tried.IsEmpty());
     Lines held, counts;
-    for (const PermissionBase& permission : Applied(tried, permissions(row.at(1)))) {
+    for (const PermissionBase& permission : WithChanges(tried, permissions(row.at(1)))) {
         held.push_back(Shown(permission));
     }
     for (const WhatIf::Revocation& revocation : tried.revocations) {
