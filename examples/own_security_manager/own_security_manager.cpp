@@ -1,6 +1,7 @@
 // A host's own security manager. Its users stand in memory; testing/InMemorySecurity.cpp answers for them. Built into
 // libraries with the names of the supplied ones, it takes their place without a change to the module. docs/embedding.md
 // says what every security manager must do.
+#include "platform/security_manager/SECM_Constants.h"
 #include "testing/InMemorySecurity.h"
 
 #include <list>
@@ -54,7 +55,7 @@ HandedOut<InMemorySecurityManager> handedOut;
 #ifdef ADMINISTRATION_LIBRARY
 SMADM_Interface* getSECM_Interface(const char* /*applicationName*/, unsigned interfaceVersion)
 {
-    return interfaceVersion == 1 ? handedOut.Add() : nullptr;
+    return interfaceVersion == secm::platform::administrationVersion ? handedOut.Add() : nullptr;
 }
 
 void releaseSECM_Interface(SMADM_Interface* administration)
@@ -64,7 +65,7 @@ void releaseSECM_Interface(SMADM_Interface* administration)
 #else
 SecurityManagerInterface* getSecurityManagerInterface(const char* /*applicationName*/, unsigned interfaceVersion)
 {
-    return interfaceVersion == 0x11010A17 ? handedOut.Add() : nullptr;
+    return interfaceVersion == secm::platform::securityManagerVersion ? handedOut.Add() : nullptr;
 }
 
 void releaseSecurityManagerInterface(SecurityManagerInterface* securityManager)

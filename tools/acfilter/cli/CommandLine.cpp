@@ -58,7 +58,7 @@ void AddFormat(CLI::App& command, Format& format, const std::string& help, const
     TakeAsTyped(command.add_option_function<std::string>("--format", choose, help))->check(CLI::IsMember(names));
 }
 
-// What a command cannot do without; the configuration always.
+// The options that a command requires, beside --config.
 struct Required {
     bool securityDatabase = true;
     bool repository = true;
@@ -221,7 +221,7 @@ private:
         });
     }
 
-    // What --help or --version asks for.
+    // Prints what --help or --version asks for.
     void PrintAnswer(const CLI::Success& request) const
     {
         std::ostringstream answer;

@@ -1,4 +1,4 @@
-// How the command line words what went wrong.
+// The form of all error messages.
 #pragma once
 
 #include "tools/acfilter/render/Printable.h"
@@ -8,7 +8,7 @@
 
 namespace secm::acfilter {
 
-/// One line, whatever names `text` quotes.
+/// `text` as one line. Control characters, which quoted names may hold, are escaped.
 inline std::string Message(std::string_view text)
 {
     return "acfilter: " + Printable(text) + "\n";

@@ -1,4 +1,4 @@
-// Runs the command line and tells what failed.
+// Runs the command line and reports what failed.
 #include "tools/acfilter/cli/CommandLine.h"
 #include "tools/acfilter/cli/Message.h"
 #include "tools/acfilter/commands/Errors.h"

@@ -52,7 +52,7 @@ std::vector<analysis::Finding> CheckGrants(const CheckOptions& options, const an
 
 std::vector<analysis::Finding> FindingsOf(const CheckOptions& options)
 {
-    constexpr int nothing = 0; // what the module would log are findings
+    constexpr int nothing = 0; // check reports what the module would log
     StartLog(options.host, nothing);
     UseConfiguration(options.host);
     const analysis::ConfigurationCheck check = CheckConfiguration(options);

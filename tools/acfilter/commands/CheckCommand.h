@@ -1,4 +1,4 @@
-// `acfilter check`: what an administrator would regret about a configuration, and about what is granted.
+// `acfilter check`: the mistakes in a configuration and in what is granted.
 #pragma once
 
 #include "tools/acfilter/commands/CommonOptions.h"
@@ -8,13 +8,13 @@ namespace secm::acfilter {
 
 struct CheckOptions {
     HostOptions host;
-    bool oneRepository = false; ///< Only `host.repository`; else all.
-    bool withSecurity = false;  ///< With what `host.securityDatabase` grants.
+    bool oneRepository = false; ///< Only `host.repository`; false: all repositories.
+    bool withSecurity = false;  ///< Also what `host.securityDatabase` grants.
     bool isStrict = false;      ///< Warnings count as errors for the exit status.
     Format format = Format::text;
 };
 
-/// configurationIsWrong when there is an error. Throws std::exception when it fails.
+/// Gives configurationIsWrong when there is an error. Throws std::exception when it fails.
 ExitStatus RunCheck(const CheckOptions& options);
 
 } // namespace secm::acfilter

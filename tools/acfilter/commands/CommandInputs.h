@@ -14,8 +14,8 @@ namespace secm::acfilter {
 /// - `usersFrom`, or the log;
 /// - any file that this process has open, such as standard output or the security database, or a file that SQLite keeps
 ///   beside it.
-/// `configuration` is what was read from the path that `host` names; null: the configuration library told nothing of
-/// it. Call it after connecting.
+/// `configuration` is what was read from the path that `host` names; null when the
+/// configuration library cannot read candidates. Call it after connecting.
 void RequireNoInput(const std::string& output, const HostOptions& host, const CFG_Candidate* configuration,
                     const std::optional<std::string>& usersFrom);
 

@@ -9,9 +9,9 @@
 
 namespace secm::acfilter {
 
-/// Reads the configuration at `path`, which `option` named, without putting it in force. Never null. Throws CFG_Error
-/// when it cannot be used, and std::runtime_error when the path is empty or the configuration library in use cannot
-/// read candidates.
+/// Reads the configuration at `path` and does not put it in force. `option` names the option that gave the path, for
+/// errors. Never null. Throws CFG_Error when it cannot be used, and std::runtime_error when the path is empty or the
+/// configuration library in use cannot read candidates.
 std::shared_ptr<const CFG_Candidate> ReadConfiguration(const std::string& path, const char* option,
                                                        const CFG_FileObserver& observe = {});
 
@@ -20,8 +20,8 @@ std::shared_ptr<const CFG_Candidate> ReadConfiguration(const std::string& path, 
 /// ReadConfiguration does.
 std::shared_ptr<const CFG_Candidate> UseConfiguration(const HostOptions& options);
 
-/// Makes sure that the configuration that the calling thread sees has the repository: the module would go on with empty
-/// settings. `path` names the configuration in the message. Throws std::runtime_error.
+/// Throws std::runtime_error when the configuration that the calling thread sees, which was read from `path`, lacks the
+/// repository: the module would go on with empty settings.
 void RequireRepository(const std::string& repository, const std::string& path);
 
 } // namespace secm::acfilter

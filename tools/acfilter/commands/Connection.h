@@ -1,4 +1,4 @@
-// Connects what answers requests to the security database that the options name.
+// Connects the module or a tracer to the security database that the options name.
 #pragma once
 
 #include "tools/acfilter/commands/CommonOptions.h"
@@ -13,7 +13,8 @@ class Tracer;
 
 namespace secm::acfilter {
 
-/// `option` is the one that named the database. Throws std::runtime_error when the security manager refuses.
+/// `option` names the option that gave the database, for the error. Throws std::runtime_error when the security manager
+/// refuses.
 void Connect(SECM_AccessControlInterface& accessControl, const HostOptions& options,
              const std::string& option = "--security");
 void Connect(analysis::Tracer& tracer, const HostOptions& options, const std::string& option = "--security");

@@ -1,5 +1,5 @@
-// Asks both sides for one user after the other. Each side's tracer is made in the scope of the side's configuration and
-// keeps what it read.
+// Asks both sides for each user, one user after the other. Each side's tracer is made in the scope of the side's
+// configuration and keeps what it read.
 #include "tools/acfilter/commands/DiffCommand.h"
 
 #include "analysis/trace/Tracer.h"
@@ -27,7 +27,8 @@ namespace {
 
 class Side {
 public:
-    /// The options are those that gave `host` its configuration and its database.
+    /// `configurationOption` and `securityOption` name the options that gave the configuration and the database, for
+    /// errors.
     Side(std::string sideName, const HostOptions& host, const char* configurationOption,
          const std::string& securityOption)
         : name(std::move(sideName)), tracer(MakeTracer(host, configurationOption))
@@ -109,7 +110,7 @@ UnknownUser UnknownUserOf(analysis::Request request, Side& before, Side& after)
     return {name, isKnown ? request.userName : ""};
 }
 
-// Otherwise a comparison of no users would end like one in which no user sees more.
+// A comparison of no users must not end like one in which no user sees more.
 void RequireSomebody(const DiffSummary& summary)
 {
     constexpr const char* nobody = "nobody was compared: ";
@@ -130,14 +131,15 @@ public:
     Diff(const DiffOptions& diffOptions, DiffWriter& diffWriter)
         : options(diffOptions), writer(diffWriter), before("before", options.host, "--config", "--security"),
           after("after", HostAfter(options), "--to", options.toSecurityDatabase ? "--to-security" : "--security"),
-          rules(before.Rules().settings, after.Rules().settings, {options.excluding.begin(), options.excluding.end()})
+          comparison(before.Rules().settings, after.Rules().settings,
+                     {options.excluding.begin(), options.excluding.end()})
     {
         RequireFields(options.excluding, before.Rules(), after.Rules());
     }
 
     void CompareSettings()
     {
-        for (const analysis::SettingChange& setting : rules.CompareSettings()) {
+        for (const analysis::SettingChange& setting : comparison.CompareSettings()) {
             writer.Add(setting);
         }
     }
@@ -178,7 +180,7 @@ private:
         const analysis::Request request = RequestFor(name);
         const analysis::Trace old = before.Explain(request);
         const analysis::Trace now = after.Explain(request);
-        writer.Add(rules.Compare(old, now));
+        writer.Add(comparison.Compare(old, now));
         if (IsUnknown(old) && IsUnknown(now)) {
             writer.AddUnknown(UnknownUserOf(request, before, after));
         }
@@ -194,7 +196,7 @@ private:
     DiffWriter& writer;
     Side before;
     Side after;
-    analysis::TraceComparison rules;
+    analysis::TraceComparison comparison;
     Progress progress{false};
 };
 
@@ -218,9 +220,9 @@ ExitStatus RunDiff(const DiffOptions& options)
     file.Finish();
     const DiffSummary& summary = writer.Summary();
     RequireSomebody(summary);
-    const bool somebodyDoes =
+    const bool somebodySeesMore =
         summary.Holds(analysis::Change::wider) || (options.isStrict && summary.Holds(analysis::Change::changed));
-    return somebodyDoes ? ExitStatus::somebodySeesMore : ExitStatus::success;
+    return somebodySeesMore ? ExitStatus::somebodySeesMore : ExitStatus::success;
 }
 
 } // namespace secm::acfilter

@@ -16,12 +16,12 @@ struct DiffOptions {
     std::string toConfiguration;
     std::optional<std::string> toSecurityDatabase; ///< Else that of the side before.
     std::optional<std::string> usersFrom;          ///< Else every user of both security databases.
-    std::vector<std::string> excluding;            ///< Fields.
+    std::vector<std::string> excluding;            ///< The names of fields; see analysis::TraceComparison.
     bool isFull = false;
-    bool isStrict = false; ///< somebodySeesMore also when it cannot be told of somebody.
+    bool isStrict = false; ///< somebodySeesMore also for a user of whom it is not known.
 };
 
-/// somebodySeesMore when a user would. Throws UsageError, and std::exception when it fails.
+/// Gives somebodySeesMore when a user would see more. Throws UsageError, and std::exception when it fails.
 ExitStatus RunDiff(const DiffOptions& options);
 
 } // namespace secm::acfilter

@@ -1,4 +1,4 @@
-// The errors that several commands report alike.
+// The errors that several commands report in the same words.
 #pragma once
 
 #include <new>
@@ -13,11 +13,12 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The message for std::bad_alloc. Put before it what was being done.
+/// The end of a message for std::bad_alloc; its beginning says what was being done.
 inline constexpr const char* memoryRanOut =
     "memory ran out; raise the limit (ulimit -v, or that of the service or container), or free some on this machine";
 
-/// Runs `ask`; a failure names the user.
+/// Gives the result of `ask`. Adds the user's name to the std::runtime_error that it throws, and throws one in place of
+/// std::bad_alloc.
 template <class Ask>
 auto AskFor(const std::string& userName, Ask ask)
 {

@@ -1,4 +1,4 @@
-// What a shell learns of a command.
+// The exit statuses of all commands.
 #pragma once
 
 namespace secm::acfilter {
@@ -8,7 +8,7 @@ enum class ExitStatus : int {
     failure = 1,
     wrongCommandLine = 2,
     configurationIsWrong = 3, ///< `check` found an error.
-    somebodySeesMore = 4      ///< `diff` found a user who does, or cannot tell and was asked to be strict.
+    somebodySeesMore = 4      ///< `diff` found a user who does or, with --strict, one of whom it is not known.
 };
 
 } // namespace secm::acfilter

@@ -1,15 +1,18 @@
-// Puts an output file behind the interface that the forms of an answer write to.
+// Adapts an output file to the interface that render/ writes to.
 #pragma once
 
 #include "tools/acfilter/io/OutputFile.h"
 #include "tools/acfilter/io/TemporaryLines.h"
 #include "tools/acfilter/render/TextOutput.h"
 
+#include <functional>
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace secm::acfilter {
 
-/// `outputFile` must live as long. The caller finishes it.
+/// `outputFile` must outlive this object. The caller calls its Finish.
 class FileOutput final : public TextOutput {
 public:
     explicit FileOutput(OutputFile& outputFile) : file(outputFile) {}

@@ -1,4 +1,4 @@
-// One manager and one connection serve all users, one after the other, so a list may be of any length.
+// One object and one connection serve all users, one after the other, so a list may be of any length.
 #include "tools/acfilter/commands/FilterCommand.h"
 
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
@@ -32,7 +32,7 @@ void ForEachUser(const FilterOptions& options, const UserHandler& handle)
 
 using LineFor = std::function<std::string(const analysis::Request& request)>;
 
-// JSON tells the outcome, which the module does not give to its callers.
+// JSON names the outcome, which the module does not give, so a tracer answers.
 LineFor JsonLines(const FilterOptions& options)
 {
     const auto tracer = std::make_shared<analysis::Tracer>(options.host.repository);

@@ -1,4 +1,4 @@
-// `acfilter filter`: the filter of each user asked for.
+// `acfilter filter`: the filters of the users who are named.
 #pragma once
 
 #include "tools/acfilter/commands/CommonOptions.h"

@@ -8,15 +8,15 @@
 
 namespace secm::acfilter {
 
-/// Keeps the names in a temporary file, so memory does not grow with their number. That takes two lists in the
-/// byte-wise order of the names, which is how security databases list them. Each operation throws std::runtime_error
-/// when the file cannot be used.
+/// Keeps the names in a temporary file, so memory does not grow with their number. Both lists must be in the byte-wise
+/// order of the names, which is how security databases list them. Each operation throws std::runtime_error when the
+/// file cannot be used.
 class ListedNames {
 public:
     /// Keeps `name`. All names are added before the first Holds.
     void Add(const std::string& name);
 
-    /// Whether `name` was added. Nothing: it cannot be told, because the names of one of the two lists did not come in
+    /// Whether `name` was added. No value: that is not known, because the names of one of the two lists did not come in
     /// their order, or because `name` holds a line end.
     std::optional<bool> Holds(const std::string& name);
 
@@ -25,7 +25,7 @@ private:
     bool isOrdered = true;
     std::optional<std::string> lastAdded;
     std::optional<std::string> lastAsked;
-    std::optional<std::string> next; // the first name of the file that is not before lastAsked; nothing: not read yet
+    std::optional<std::string> next; // the first name of the file that is not before lastAsked; no value: none is read
     bool isAtEnd = false;
 };
 

@@ -1,4 +1,4 @@
-// The log of the module and the platform layers, as the options ask for it.
+// Sets up the log of the module and the platform layers.
 #pragma once
 
 #include "tools/acfilter/commands/CommonOptions.h"

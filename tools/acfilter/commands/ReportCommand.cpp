@@ -1,5 +1,5 @@
-// One manager and one connection serve all users, one after the other, and rows that have to wait for the summary are
-// kept in a file, so memory does not grow with the number of users.
+// One tracer and one connection serve all users, one after the other. Rows that wait for the summary are kept in a
+// file, so memory does not grow with the number of users.
 #include "tools/acfilter/commands/ReportCommand.h"
 
 #include "analysis/trace/Tracer.h"
@@ -41,7 +41,7 @@ std::string Now()
     return text.data();
 }
 
-// The digest of a pipe could be compared with nothing later.
+// A pipe cannot be read again later to compare its digest.
 void RequireFileOrFolder(const std::string& path)
 {
     namespace fs = std::filesystem;

@@ -1,4 +1,4 @@
-// The changes of --attribute and --grant, as they are written on the command line.
+// Parses the values of the options --attribute and --grant.
 #pragma once
 
 #include "platform/security_manager/PermissionBase.h"
@@ -9,11 +9,11 @@
 
 namespace secm::acfilter {
 
-/// NAME=VALUE, where the value may be empty. Nothing when `text` is not that.
+/// NAME=VALUE, where the value may be empty. No value when `text` has another form.
 std::optional<std::pair<std::string, std::string>> AttributeFrom(const std::string& text);
 
 /// NAME:VALUE[:RESOURCE], where the value is a whole number from 0 to 4294967295 and without a resource the permission
-/// is held outright. Nothing when `text` is not that.
+/// is held outright. No value when `text` has another form.
 std::optional<PermissionBase> GrantFrom(const std::string& text);
 
 } // namespace secm::acfilter

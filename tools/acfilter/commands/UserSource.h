@@ -1,4 +1,4 @@
-// Where the users of a list come from: what --users-from names, or all that a security database knows.
+// Where the users of a list come from: the file of --users-from, or a security database.
 #pragma once
 
 #include "tools/acfilter/commands/CommonOptions.h"
@@ -9,8 +9,8 @@
 
 namespace secm::acfilter {
 
-/// Makes sure that `path`, as given to --users-from, is not empty, and when it is "-" that standard input can be read.
-/// Throws UsageError and std::runtime_error.
+/// Throws UsageError when `path`, as given to --users-from, is empty, and std::runtime_error when it is "-" and
+/// standard input cannot be read.
 void RequireUsersFrom(const std::optional<std::string>& path);
 
 /// Calls `handle` for each user of the security database that `options` name, in constant memory. Throws

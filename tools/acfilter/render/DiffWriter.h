@@ -11,7 +11,7 @@
 
 namespace secm::acfilter {
 
-/// The changes whose users are shown one by one, in the order in which they are.
+/// The changes whose users are shown one by one, in the order in which they are shown.
 inline constexpr std::array shownChanges = {analysis::Change::wider, analysis::Change::changed,
                                             analysis::Change::narrower};
 
@@ -39,7 +39,7 @@ struct DiffSummary {
 
     DiffHead head;
     std::vector<analysis::SettingChange> settings;
-    std::array<unsigned long long, 4> counts{}; ///< Of users, by analysis::Change.
+    std::array<unsigned long long, 4> counts{}; ///< Of users, indexed by analysis::Change.
     unsigned long long unknownCount = 0;        ///< Of users whom neither side knows; `counts` holds them too.
     std::vector<UnknownUser> firstUnknown;      ///< At most five of them.
 };
@@ -49,11 +49,11 @@ std::string SummaryJson(const DiffSummary& summary);
 std::string UserChangeText(const analysis::UserChange& user, bool isFull);
 std::string UserChangeJson(const analysis::UserChange& user);
 
-/// Writes to an output, which must live as long. Add and Finish throw std::runtime_error when something cannot be
-/// written. The users wait for the summary in the output's own lines, so memory does not grow with their number.
+/// Writes to an output, which must outlive it. Add and Finish throw std::runtime_error when something cannot be
+/// written. The users wait for the summary in the output's waiting lines, so memory does not grow with their number.
 class DiffWriter {
 public:
-    /// `isFull`: long lists and texts are not cut short for people.
+    /// `forPrograms`: JSON; false: text. `isFull`: in text, long lists and texts are not cut short.
     DiffWriter(DiffHead head, TextOutput& textOutput, bool forPrograms, bool isFull);
 
     void Add(const analysis::UserChange& user);
@@ -72,7 +72,7 @@ private:
     bool isForPrograms;
     bool areTextsWhole;
     DiffSummary summary;
-    std::array<std::unique_ptr<WaitingLines>, shownChanges.size()> users; // by analysis::Change
+    std::array<std::unique_ptr<WaitingLines>, shownChanges.size()> users; // indexed by analysis::Change
 };
 
 } // namespace secm::acfilter

@@ -8,9 +8,9 @@
 namespace secm::acfilter {
 
 struct TextStyle {
-    bool isFull = false; ///< Else long lists and texts are cut short and say how long they are.
+    bool isFull = false; ///< False: long lists and texts are cut short and say how long they are.
     bool hasColours = false;
-    bool isForTerminal = false; ///< Then no control character of the filter goes out as it is.
+    bool isForTerminal = false; ///< Control characters of the filter are escaped too.
 };
 
 std::string ExplanationText(const analysis::Trace& trace, const TextStyle& style);

@@ -49,10 +49,10 @@ Json JsonOf(const analysis::ConditionTrace& condition)
 Json JsonOf(const analysis::FieldTrace& field)
 {
     Json values = Json::array();
-    for (const analysis::ValueTrace& way : field.values) {
-        values.push_back({{"resource", way.resource},
-                          {"value", way.value.empty() ? Json(nullptr) : Json(way.value)},
-                          {"standsFor", way.attribute ? JsonOf(*way.attribute) : Json(nullptr)}});
+    for (const analysis::ValueTrace& value : field.values) {
+        values.push_back({{"resource", value.resource},
+                          {"value", value.value.empty() ? Json(nullptr) : Json(value.value)},
+                          {"standsFor", value.attribute ? JsonOf(*value.attribute) : Json(nullptr)}});
     }
     Json conditions = Json::array();
     for (const analysis::ConditionTrace& condition : field.conditions) {

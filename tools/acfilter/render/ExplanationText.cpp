@@ -1,4 +1,4 @@
-// An explanation as people read it: one line a fact, aligned, what matters in colour.
+// An explanation for people: one line a fact, aligned, and coloured where it matters.
 #include "tools/acfilter/render/Explanation.h"
 
 #include "analysis/trace/Reasons.h"
@@ -98,14 +98,14 @@ void WriteHead(TextWriter& out, const analysis::Trace& trace)
     }
 }
 
-// How a resource became a value, where that is not the resource itself.
-std::string WayOf(const analysis::ValueTrace& way)
+// Where the value comes from, when it is not the resource itself.
+std::string OriginOf(const analysis::ValueTrace& value)
 {
-    if (!way.attribute) {
+    if (!value.attribute) {
         return " is empty: dropped";
     }
-    return fmt::format(" stands for the attribute {}: {}{}", Printable(way.attribute->name), ValueOf(*way.attribute),
-                       way.value.empty() ? ", dropped" : "");
+    return fmt::format(" stands for the attribute {}: {}{}", Printable(value.attribute->name),
+                       ValueOf(*value.attribute), value.value.empty() ? ", dropped" : "");
 }
 
 void WriteValues(TextWriter& out, const std::vector<analysis::ValueTrace>& values)
@@ -113,10 +113,10 @@ void WriteValues(TextWriter& out, const std::vector<analysis::ValueTrace>& value
     out.Line(3, "resources", values.empty() ? "none" : out.List(values.size(), [&](std::size_t n) {
         return Quoted(values[n].resource);
     }));
-    std::size_t told = 0;
-    for (const analysis::ValueTrace& way : values) {
-        if ((way.attribute || way.value.empty()) && out.TakesAnother(told++)) {
-            out.Line(3, "", Quoted(way.resource) + WayOf(way));
+    std::size_t shown = 0;
+    for (const analysis::ValueTrace& value : values) {
+        if ((value.attribute || value.value.empty()) && out.TakesAnother(shown++)) {
+            out.Line(3, "", Quoted(value.resource) + OriginOf(value));
         }
     }
 }

@@ -1,4 +1,4 @@
-// What check found, for people and for programs.
+// The findings of a check, for people and for programs.
 #pragma once
 
 #include "analysis/check/Finding.h"

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <iterator>
+#include <string_view>
 
 namespace secm::acfilter {
 

@@ -1,4 +1,4 @@
-// How all commands write JSON.
+// The form of all JSON lines.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -9,7 +9,8 @@ namespace secm::acfilter {
 
 using Json = nlohmann::ordered_json;
 
-/// One object on one line; bytes that are not UTF-8 become U+FFFD, and nothing in it controls a terminal.
+/// One object on one line. Bytes that are not UTF-8 become U+FFFD. Control characters are escaped, so that a terminal
+/// does not obey them.
 std::string JsonLine(const Json& object);
 
 inline Json TextOrNull(const std::string& text)

@@ -24,13 +24,13 @@ struct ReportCell {
 
 struct ReportRow {
     std::string user;
-    std::optional<std::string> group; ///< Nothing: the user is not known.
+    std::optional<std::string> group; ///< No value: the user is not known.
     analysis::Outcome outcome;
     std::vector<ReportCell> cells; ///< Of each field of the repository.
     std::string filter;
 };
 
-/// `fieldCount` is the number of the repository's fields; those that were not looked at are "not asked".
+/// `fieldCount` is the number of the repository's fields; the later ones that the trace lacks are "not asked".
 ReportRow RowOf(const analysis::Trace& trace, std::size_t fieldCount);
 
 } // namespace secm::acfilter

@@ -22,9 +22,9 @@ struct ReportHead {
     std::vector<std::string> fields; ///< Their names, in the order of the cells.
     std::string ipAddress;           ///< That all users were asked for with.
     bool withoutLogin = false;
-    bool showValues = false;               ///< Else how many there are.
-    bool isFull = false;                   ///< Else long lists and texts are cut short in the form for people.
-    bool isForTerminal = false;            ///< Then no control character goes out as it is.
+    bool showValues = false;               ///< False: only how many there are.
+    bool isFull = false;                   ///< False: long lists and texts are cut short in text.
+    bool isForTerminal = false;            ///< Control characters are escaped in every format.
     std::vector<FileDigest> configuration; ///< Only for the form that shows them.
     std::string generated;                 ///< When, in UTC.
 };

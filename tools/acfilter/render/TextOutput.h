@@ -1,4 +1,4 @@
-// What the forms of an answer are written to. Commands put a file or standard output behind it.
+// What render/ writes to. The commands implement it with a file or standard output.
 #pragma once
 
 #include <functional>
