@@ -2,6 +2,8 @@
 
 #include "analysis/trace/Reasons.h"
 
+#include <fmt/format.h>
+
 namespace secm::acfilter {
 
 namespace {
@@ -31,6 +33,15 @@ const char* NameOf(FieldAccess access)
     default:
         return "not asked";
     }
+}
+
+std::string CellText(const ReportCell& cell, const std::string& values)
+{
+    if (cell.access != FieldAccess::values) {
+        return NameOf(cell.access);
+    }
+    return fmt::format("{}{}{}{}", cell.values.size(), values.empty() ? "" : ": ", values,
+                       cell.restrictsNothing ? " (restricts nothing)" : "");
 }
 
 ReportRow RowOf(const analysis::Trace& trace, std::size_t fieldCount)

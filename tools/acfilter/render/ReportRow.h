@@ -33,4 +33,7 @@ struct ReportRow {
 /// `fieldCount` is the number of the repository's fields; the later ones that the trace lacks are "not asked".
 ReportRow RowOf(const analysis::Trace& trace, std::size_t fieldCount);
 
+/// A cell for people: "all", "none", "not asked", or how many values; with `values` (a list of them) these follow.
+std::string CellText(const ReportCell& cell, const std::string& values);
+
 } // namespace secm::acfilter

@@ -88,15 +88,6 @@ private:
 
 } // namespace
 
-std::string CellText(const ReportCell& cell, const std::string& values)
-{
-    if (cell.access != FieldAccess::values) {
-        return NameOf(cell.access);
-    }
-    return fmt::format("{}{}{}{}", cell.values.size(), values.empty() ? "" : ": ", values,
-                       cell.restrictsNothing ? " (restricts nothing)" : "");
-}
-
 std::unique_ptr<ReportWriter> MakeTextReport(const ReportHead& head, TextOutput& output)
 {
     return std::make_unique<TextReport>(head, output);

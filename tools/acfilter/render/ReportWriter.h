@@ -57,7 +57,4 @@ private:
 inline constexpr std::array allOutcomes = {analysis::Outcome::unrestricted, analysis::Outcome::restricted,
                                            analysis::Outcome::hideAll, analysis::Outcome::unknownUser};
 
-/// A cell for people: "all", "none", "not asked", or how many values; with `values` (a list of them) these follow.
-std::string CellText(const ReportCell& cell, const std::string& values);
-
 } // namespace secm::acfilter
