@@ -16,7 +16,6 @@
 
 #include <fmt/format.h>
 
-#include <memory>
 #include <set>
 #include <stdexcept>
 #include <utility>
