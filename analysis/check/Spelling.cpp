@@ -48,15 +48,15 @@ std::string Nearest(const std::string& name, const std::vector<std::string>& nam
     std::string nearest;
     // Not as far as the whole name is long: the two would have nothing in common.
     std::size_t limit = std::min(farthest + 1, name.size());
-    for (const std::string& candidate : names) {
-        const std::size_t lengths = std::max(name.size(), candidate.size()) - std::min(name.size(), candidate.size());
+    for (const std::string& other : names) {
+        const std::size_t lengths = std::max(name.size(), other.size()) - std::min(name.size(), other.size());
         if (lengths >= limit) {
             continue; // the distance is at least that
         }
-        const std::size_t distance = Distance(name, candidate);
-        if (distance < limit && candidate != name) {
+        const std::size_t distance = Distance(name, other);
+        if (distance < limit && other != name) {
             limit = distance;
-            nearest = candidate;
+            nearest = other;
         }
     }
     return nearest;
