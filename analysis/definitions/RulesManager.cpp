@@ -6,6 +6,8 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <memory>
 #include <stdexcept>
 #include <utility>
 
@@ -20,7 +22,9 @@ bool IsReadFrom(const FieldDefinition& definition, const CFG_RepositoryServices&
     const auto isSameCondition = [&](const ConditionDefinition& condition) {
         return isSame(condition.conditionText, "condition" + std::to_string(++number));
     };
-    return isSame(definition.permissionName, "permission_name") && isSame(definition.myField, "my_field") &&
+    const std::unique_ptr<const std::int32_t> bits(node.GetIntValue("permission_value"));
+    return bits && static_cast<std::uint32_t>(*bits) == definition.permissionValue &&
+           isSame(definition.permissionName, "permission_name") && isSame(definition.myField, "my_field") &&
            isSame(definition.conditionsDelimiter, "conditions_delimiter") &&
            std::all_of(definition.conditions.begin(), definition.conditions.end(), isSameCondition) &&
            isSame("", "condition" + std::to_string(definition.conditions.size() + 1));
