@@ -40,7 +40,7 @@ std::unordered_set<std::string> PermissionsAskedFor()
     for (const std::string& field : TableNames(FieldsPath())) {
         const std::string path = FieldsPath() + "\\" + field;
         for (const std::string& repository : TableNames(path)) {
-            names.emplace(root->GetValueByPath(path + "\\" + repository + "\\permission_name"));
+            names.emplace(root->GetValueByPath(fmt::format("{}\\{}\\permission_name", path, repository)));
         }
     }
     return names;

@@ -33,7 +33,7 @@ using CFG_FileObserver = std::function<void(const std::string& path, std::string
 class PLATFORM_EXPORT CFG_CandidateScope {
 public:
     /// Throws CFG_Error when `candidate` is null.
-    __attribute__((weak)) explicit CFG_CandidateScope(std::shared_ptr<const CFG_Candidate> candidate);
+    __attribute__((weak)) explicit CFG_CandidateScope(const std::shared_ptr<const CFG_Candidate>& candidate);
     __attribute__((weak)) ~CFG_CandidateScope();
     CFG_CandidateScope(const CFG_CandidateScope&) = delete;
     CFG_CandidateScope& operator=(const CFG_CandidateScope&) = delete;

@@ -76,5 +76,5 @@ public:
 
     /// Puts a candidate in force as a successful Reload does; what `CFG_REPOSITORY` names is not read. Threads in a
     /// CFG_CandidateScope keep theirs until its end. Throws CFG_Error when `candidate` is null.
-    __attribute__((weak)) static void PutInForce(std::shared_ptr<const CFG_Candidate> candidate);
+    __attribute__((weak)) static void PutInForce(const std::shared_ptr<const CFG_Candidate>& candidate);
 };

@@ -51,7 +51,7 @@ private:
     // opening it fails; no other place is searched.
     static std::string Path()
     {
-        const std::string name = SECM_ADMIN_LIBRARY;
+        std::string name = SECM_ADMIN_LIBRARY;
         Dl_info self{};
         void* map = nullptr;
         std::string folder(PATH_MAX, '\0');

@@ -231,12 +231,12 @@ std::shared_ptr<const CFG_Candidate> CFG_Factory::Read(const std::string& path, 
     return secm::platform::LoadTree(path, observe);
 }
 
-void CFG_Factory::PutInForce(std::shared_ptr<const CFG_Candidate> candidate)
+void CFG_Factory::PutInForce(const std::shared_ptr<const CFG_Candidate>& candidate)
 {
     Root::Instance().PutInForce(secm::platform::TreeOf(candidate));
 }
 
-CFG_CandidateScope::CFG_CandidateScope(std::shared_ptr<const CFG_Candidate> candidate)
+CFG_CandidateScope::CFG_CandidateScope(const std::shared_ptr<const CFG_Candidate>& candidate)
     : candidateOfScope(secm::platform::TreeOf(candidate)), outer(secm::platform::candidateOfThread)
 {
     secm::platform::candidateOfThread = &candidateOfScope;
