@@ -7,12 +7,6 @@
 
 namespace secm::analysis {
 
-UserDetailsInterface* TracedDetails::For(UserDetailsInterface* user)
-{
-    original = user;
-    return original != nullptr ? this : nullptr;
-}
-
 const char* TracedDetails::GetAttribute(const char* name)
 {
     const char* value = original->GetAttribute(name);
@@ -21,19 +15,8 @@ const char* TracedDetails::GetAttribute(const char* name)
 }
 
 TracedSecurityManager::TracedSecurityManager(SecurityManagerInterface& originalManager, TraceRecorder& traceRecorder)
-    : original(originalManager), recorder(traceRecorder), details(traceRecorder)
+    : SecurityManagerDecorator(originalManager), recorder(traceRecorder), details(traceRecorder)
 {
-}
-
-bool TracedSecurityManager::Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode,
-                                       SECM_CallBackInterface* callback, bool flag)
-{
-    return original.Initialize(connectionText, timeoutSeconds, mode, callback, flag);
-}
-
-bool TracedSecurityManager::Login(SECM_CallBackInterface* callback, bool flag)
-{
-    return original.Login(callback, flag);
 }
 
 bool TracedSecurityManager::IsLoggedIn(const char* application)
@@ -43,11 +26,6 @@ bool TracedSecurityManager::IsLoggedIn(const char* application)
         recorder.AddUser(original.GetUserDetails());
     }
     return isLoggedIn;
-}
-
-bool TracedSecurityManager::Logout()
-{
-    return original.Logout();
 }
 
 bool TracedSecurityManager::CheckPermission(const PermissionBase& permission)
@@ -71,13 +49,8 @@ UserDetailsInterface* TracedSecurityManager::GetUserDetails()
 }
 
 TracedAdministration::TracedAdministration(SMADM_Interface& originalInterface, TraceRecorder& traceRecorder)
-    : original(originalInterface), recorder(traceRecorder), details(traceRecorder)
+    : AdministrationDecorator(originalInterface), recorder(traceRecorder), details(traceRecorder)
 {
-}
-
-bool TracedAdministration::Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode)
-{
-    return original.Initialize(connectionText, timeoutSeconds, mode);
 }
 
 UserDetailsInterface* TracedAdministration::GetUserDetails(const char* domain, const char* userName)

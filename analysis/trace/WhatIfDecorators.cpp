@@ -65,12 +65,6 @@ std::vector<PermissionBase> WithChanges(WhatIf& tried, const std::vector<Permiss
     return applied;
 }
 
-UserDetailsInterface* ChangedDetails::For(UserDetailsInterface* user)
-{
-    original = user;
-    return original != nullptr ? this : nullptr;
-}
-
 const char* ChangedDetails::GetAttribute(const char* name)
 {
     const auto changed = tried.attributes.find(std::string_view(name));
@@ -80,15 +74,9 @@ const char* ChangedDetails::GetAttribute(const char* name)
 ChangedSecurityManager::ChangedSecurityManager(SecurityManagerInterface& originalManager,
                                                SMADM_Interface& administrationInterface, ListMatching& listMatching,
                                                WhatIf& triedChanges)
-    : original(originalManager), administration(administrationInterface), matching(listMatching), tried(triedChanges),
-      details(triedChanges)
+    : SecurityManagerDecorator(originalManager), administration(administrationInterface), matching(listMatching),
+      tried(triedChanges), details(triedChanges)
 {
-}
-
-bool ChangedSecurityManager::Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode,
-                                        SECM_CallBackInterface* callback, bool flag)
-{
-    return original.Initialize(connectionText, timeoutSeconds, mode, callback, flag);
 }
 
 bool ChangedSecurityManager::Login(SECM_CallBackInterface* callback, bool flag)
@@ -152,13 +140,8 @@ UserDetailsInterface* ChangedSecurityManager::GetUserDetails()
 }
 
 ChangedAdministration::ChangedAdministration(SMADM_Interface& originalInterface, WhatIf& triedChanges)
-    : original(originalInterface), tried(triedChanges), details(triedChanges)
+    : AdministrationDecorator(originalInterface), tried(triedChanges), details(triedChanges)
 {
-}
-
-bool ChangedAdministration::Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode)
-{
-    return original.Initialize(connectionText, timeoutSeconds, mode);
 }
 
 UserDetailsInterface* ChangedAdministration::GetUserDetails(const char* domain, const char* userName)

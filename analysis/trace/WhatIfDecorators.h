@@ -1,12 +1,9 @@
-// Decorators of the security manager's interfaces: they answer as if the changes that are tried were stored. What their
-// constructors take must outlive them.
+// Decorators of the security manager's interfaces: they answer as if the changes that are tried were stored.
 #pragma once
 
+#include "analysis/trace/SecurityManagerDecorators.h"
 #include "analysis/trace/WhatIf.h"
 #include "platform/security_manager/PermissionListInterface.h"
-#include "platform/security_manager/SMADM_Interface.h"
-#include "platform/security_manager/SecurityManagerInterface.h"
-#include "platform/security_manager/UserDetailsInterface.h"
 
 #include <memory>
 #include <string>
@@ -29,31 +26,24 @@ protected:
     ~ListMatching() = default;
 };
 
-/// Stands for one user at a time and gives the attributes that are tried. Valid as long as that user.
-class ChangedDetails final : public UserDetailsInterface {
+/// A user with the attributes that are tried.
+class ChangedDetails final : public UserDetailsDecorator {
 public:
     explicit ChangedDetails(const WhatIf& triedChanges) : tried(triedChanges) {}
 
-    /// This object, which from now on stands for `user`; null when `user` is null.
-    UserDetailsInterface* For(UserDetailsInterface* user);
-
-    bool GetGroupName(std::string& groupName) override { return original->GetGroupName(groupName); }
     const char* GetAttribute(const char* name) override;
 
 private:
     const WhatIf& tried;
-    UserDetailsInterface* original = nullptr;
 };
 
 /// Passes every call on to `original`, apart from questions about the user's attributes and permissions. IsLoggedIn
 /// throws std::runtime_error when the changes cannot be tried, or when a request would refuse them.
-class ChangedSecurityManager final : public SecurityManagerInterface {
+class ChangedSecurityManager final : public SecurityManagerDecorator {
 public:
     ChangedSecurityManager(SecurityManagerInterface& originalManager, SMADM_Interface& administrationInterface,
                            ListMatching& listMatching, WhatIf& triedChanges);
 
-    bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode,
-                    SECM_CallBackInterface* callback, bool flag) override;
     bool Login(SECM_CallBackInterface* callback, bool flag) override;
     bool IsLoggedIn(const char* application) override;
     bool Logout() override;
@@ -65,7 +55,6 @@ public:
 private:
     void ChangePermissions(UserDetailsInterface& user);
 
-    SecurityManagerInterface& original;
     SMADM_Interface& administration; // gives the permissions of the user who is logged in as a list
     ListMatching& matching;
     WhatIf& tried;
@@ -75,16 +64,14 @@ private:
 };
 
 /// The same for requests by name. GetUserDetails throws when a request would refuse the changes.
-class ChangedAdministration final : public SMADM_Interface {
+class ChangedAdministration final : public AdministrationDecorator {
 public:
     ChangedAdministration(SMADM_Interface& originalInterface, WhatIf& triedChanges);
 
-    bool Initialize(const char* connectionText, unsigned timeoutSeconds, const char* mode) override;
     UserDetailsInterface* GetUserDetails(const char* domain, const char* userName) override;
     PermissionListInterface* GetPermissionList(const char* group, const char* user) override;
 
 private:
-    SMADM_Interface& original;
     WhatIf& tried;
     ChangedDetails details;
 };

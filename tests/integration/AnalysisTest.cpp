@@ -1,6 +1,8 @@
 // The analysis library in a host that uses the module too.
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
+#include "analysis/check/Check.h"
 #include "analysis/trace/Tracer.h"
+#include "platform/configuration/CFG_Listing.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
 #include "tests/Cases.h"
 #include "tests/integration/Workspace.h"
@@ -15,6 +17,22 @@
 using secm::analysis::NameOf;
 using secm::analysis::Trace;
 using secm::analysis::Tracer;
+
+namespace {
+
+std::size_t listedEntries = 0;
+
+} // namespace
+
+// Stands before the configuration library's and counts what it lists.
+std::vector<CFG_Entry> CFG_ListEntries(const RWCString& path)
+{
+    using List = std::vector<CFG_Entry> (*)(const RWCString&);
+    static const List list = reinterpret_cast<List>(dlsym(RTLD_NEXT, "_Z15CFG_ListEntriesRK9RWCString"));
+    std::vector<CFG_Entry> entries = list(path);
+    listedEntries += entries.size();
+    return entries;
+}
 
 namespace {
 
@@ -89,6 +107,26 @@ TEST_F(AnalysisTest, ARepositoryThatIsMissingHasNoRules)
     const Tracer tracer("Documents");
     EXPECT_TRUE(tracer.Rules().all.empty());
     EXPECT_EQ(tracer.Rules().settings.hideAllFilter, "");
+}
+
+TEST_F(AnalysisTest, ChecksReadEachTableOfManyRepositoriesOnce)
+{
+    const auto entriesOf = [this](int repositories) {
+        const std::string top = "[zarvona.system.applications.securitymanager.unified_access_control.";
+        std::string text;
+        for (int n = 0; n < repositories; ++n) {
+            const std::string name = "r" + std::to_string(n);
+            text += top + "repositories." + name + "]\nhide_all_filter = '0'\n" + top + "fields.f." + name +
+                    "]\npermission_name = 'p'\npermission_value = 1\ncondition1 = '%values%'\n";
+        }
+        Configure(text);
+        listedEntries = 0;
+        EXPECT_FALSE(secm::analysis::ConfigurationCheck().Findings().empty());
+        return listedEntries;
+    };
+    const std::size_t ofTen = entriesOf(10);
+    const std::size_t ofTwenty = entriesOf(20);
+    EXPECT_EQ(entriesOf(30) - ofTwenty, ofTwenty - ofTen);
 }
 
 TEST_F(AnalysisTest, TheLibraryOffersNothingOfTheModule)
