@@ -17,8 +17,9 @@ namespace secm::analysis {
 
 namespace {
 
-constexpr const char* remedy = "write its value under applications.norvale.pix.assigning_authority, or one for all "
-                               "sites under [zarvona.system.applications.norvale.pix.assigning_authority]";
+constexpr const char* issuerRemedy =
+    "write its value under applications.norvale.pix.assigning_authority, or one for all "
+    "sites under [zarvona.system.applications.norvale.pix.assigning_authority]";
 
 bool HasIssuer(const std::string& path)
 {
@@ -60,7 +61,7 @@ void SitesWithoutIssuer(bool hasIssuerForAll, FindingSink& sink)
         if (site.isNode && !HasIssuer(path) && !MisspeltIssuer(path, sink) && !hasIssuerForAll) {
             sink.Warn("AC026", site.place,
                       fmt::format("the site '{}' has no issuer, and there is none for all sites", site.name),
-                      thisValueIsEmpty, remedy);
+                      thisValueIsEmpty, issuerRemedy);
         }
     }
 }
@@ -71,7 +72,7 @@ void NeitherSiteNorIssuer(const std::vector<CheckedScope>& scopes, std::vector<F
         for (const CheckedScope& scope : scopes) {
             FindingSink(findings, scope.repository.Rules().repository)
                 .Warn("AC026", scope.PlaceOf("values_function"), "there is no site, and no issuer for all sites",
-                      everyValueIsEmpty, remedy);
+                      everyValueIsEmpty, issuerRemedy);
         }
     }
 }
