@@ -9,6 +9,7 @@
 
 #include <dlfcn.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <memory>
 #include <optional>
@@ -20,7 +21,7 @@ using secm::analysis::Tracer;
 
 namespace {
 
-std::size_t listedEntries = 0;
+std::atomic<std::size_t> listedEntries = 0;
 
 } // namespace
 
@@ -122,7 +123,7 @@ TEST_F(AnalysisTest, ChecksReadEachTableOfManyRepositoriesOnce)
         Configure(text);
         listedEntries = 0;
         EXPECT_FALSE(secm::analysis::ConfigurationCheck().Findings().empty());
-        return listedEntries;
+        return listedEntries.load();
     };
     const std::size_t ofTen = entriesOf(10);
     const std::size_t ofTwenty = entriesOf(20);
