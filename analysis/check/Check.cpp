@@ -4,6 +4,7 @@
 #include "analysis/check/CheckedConfiguration.h"
 #include "platform/configuration/CFG_Listing.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
+#include "platform/configuration/ConfigurationPaths.h"
 
 #include <fmt/core.h>
 
@@ -22,7 +23,7 @@ std::vector<CheckedRepository> RequireRepositories(const std::optional<std::stri
     }
     std::vector<CheckedRepository> repositories = ReadRepositories(name);
     if (repositories.empty()) {
-        constexpr const char* table = "zarvona.system.applications.securitymanager.unified_access_control.repositories";
+        const std::string table = configuration_paths::Dotted(configuration_paths::repositories);
         throw NoRepositoryError(
             name
                 ? fmt::format("the configuration has no repository '{}'; correct the name, or add its table under [{}]",

@@ -2,6 +2,9 @@
 // ends with the separator; a path that is appended to a name begins with it.
 #pragma once
 
+#include <algorithm>
+#include <string>
+
 namespace secm::configuration_paths {
 
 inline constexpr const char* repositories =
@@ -12,5 +15,15 @@ inline constexpr const char* sites = "zarvona\\system\\sites";
 /// Appended to `system` for the system-wide issuer, and to the path of a site for the issuer of that site.
 inline constexpr const char* issuer = "\\applications\\norvale\\pix\\assigning_authority\\value";
 inline constexpr const char* system = "zarvona\\system";
+
+/// `path` with dots between its names, as messages show it, and without a separator at its end.
+inline std::string Dotted(std::string path)
+{
+    if (path.ends_with('\\')) {
+        path.pop_back();
+    }
+    std::replace(path.begin(), path.end(), '\\', '.');
+    return path;
+}
 
 } // namespace secm::configuration_paths

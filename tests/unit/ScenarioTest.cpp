@@ -58,6 +58,15 @@ std::string OneEntryALine(const Lines& record)
     return text;
 }
 
+std::string JoinedClauses(const secm::analysis::Trace& trace, const std::string& delimiter)
+{
+    std::string joined;
+    for (const auto& field : trace.fields) {
+        joined += (joined.empty() || field.clause.empty() ? "" : delimiter) + field.clause;
+    }
+    return joined;
+}
+
 bool IsOneOf(const std::string& line, std::initializer_list<const char*> commands)
 {
     return std::any_of(commands.begin(), commands.end(),
@@ -91,6 +100,9 @@ TEST_P(ScenarioTest, Plays)
             const auto trace =
                 player.traced.Traced(player.manager->repositoryName, user, step.line.starts_with("byname"));
             EXPECT_EQ(trace.answer.filter, player.answer) << step.line;
+            if (trace.answer.outcome == secm::analysis::Outcome::restricted) {
+                EXPECT_EQ(JoinedClauses(trace, player.manager->filterDelimiter), player.answer) << step.line;
+            }
         }
     }
 }

@@ -1,12 +1,15 @@
 #include "tools/acfilter/commands/CheckCommand.h"
 
 #include "analysis/check/Check.h"
+#include "platform/configuration/ConfigurationPaths.h"
 #include "platform/security_manager/SECM_Listing.h"
 #include "tools/acfilter/commands/Configuration.h"
 #include "tools/acfilter/commands/Log.h"
 #include "tools/acfilter/io/OutputFile.h"
 #include "tools/acfilter/io/StandardStreams.h"
 #include "tools/acfilter/render/Findings.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <optional>
@@ -27,9 +30,9 @@ analysis::ConfigurationCheck CheckConfiguration(const CheckOptions& options)
         if (options.oneRepository) {
             RequireRepository(options.host.repository, options.host.configuration);
         }
-        throw std::runtime_error(options.host.configuration +
-                                 ": there is no repository to check; add the table [zarvona.system.applications."
-                                 "securitymanager.unified_access_control.repositories.NAME] with its settings");
+        throw std::runtime_error(
+            fmt::format("{}: there is no repository to check; add the table [{}.NAME] with its settings",
+                        options.host.configuration, configuration_paths::Dotted(configuration_paths::repositories)));
     }
 }
 

@@ -80,9 +80,9 @@ void RequireRepository(const std::string& repository, const std::string& path)
         CFG_Factory::GetRepositoryServices()->GetSubTree(RWCString(configuration_paths::repositories + repository)));
     if (!node) {
         throw std::runtime_error(fmt::format("{}: there is no repository '{}'; correct --repository, or add its table "
-                                             "under [zarvona.system.applications."
-                                             "securitymanager.unified_access_control.repositories]",
-                                             path, repository));
+                                             "under [{}]",
+                                             path, repository,
+                                             configuration_paths::Dotted(configuration_paths::repositories)));
     }
 }
 
