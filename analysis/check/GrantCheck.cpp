@@ -46,13 +46,19 @@ GrantCheck::GrantCheck(const CheckedRepository& repository, const CheckedDefinit
 void GrantCheck::Check(const SECM_Grant& grant)
 {
     isNamed = true;
+    if (grant.permission.resource() == nullptr) {
+        // A user's outright grants add up. Whose they are is not kept, so that memory does not grow with the users.
+        outrightBits |= grant.permission.value();
+        isGranted = isGranted || (outrightBits & field.permissionValue) == field.permissionValue;
+        return;
+    }
     if ((grant.permission.value() & field.permissionValue) != field.permissionValue) {
         return;
     }
     isGranted = true;
-    const std::string resource = grant.permission.resource() != nullptr ? grant.permission.resource() : "";
+    const std::string resource = grant.permission.resource();
     if (resource.empty()) {
-        return; // the field does not restrict its holders, or the module drops it
+        return; // the module drops it
     }
     (resource == ownValue ? own : others).Add(PositionOf(grant));
     if (resource == ownValue && !field.myField.empty()) {

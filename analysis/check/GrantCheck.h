@@ -36,7 +36,8 @@ private:
     const CheckedCondition* leavingTokens; // the first that keeps its tokens when anything else is granted; likewise
     bool isNamed = false;                  // the permission is granted, perhaps without the bits
     bool isGranted = false;
-    FirstAndCount own; // grants of "%my%"
+    unsigned outrightBits = 0; // of all grants without a resource, whoever has them
+    FirstAndCount own;         // grants of "%my%"
     FirstAndCount others;
     std::map<std::string, FirstAndCount> misspelt; // by permission
 };

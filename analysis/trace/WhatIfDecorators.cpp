@@ -1,8 +1,10 @@
 #include "analysis/trace/WhatIfDecorators.h"
 
+#include "platform/security_manager/PermissionsInOrder.h"
 #include "platform/security_manager/SECM_CallBackInterface.h"
 #include "platform/security_manager/SECM_Listing.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -47,7 +49,7 @@ std::vector<PermissionBase> WithChanges(WhatIf& tried, const std::vector<Permiss
     for (WhatIf::Revocation& revocation : tried.revocations) {
         revocation.revoked = 0;
     }
-    std::vector<PermissionBase> applied;
+    platform::PermissionsInOrder applied;
     for (const PermissionBase& permission : permissions) {
         bool isRevoked = false;
         for (WhatIf::Revocation& revocation : tried.revocations) {
@@ -58,11 +60,11 @@ std::vector<PermissionBase> WithChanges(WhatIf& tried, const std::vector<Permiss
             }
         }
         if (!isRevoked) {
-            applied.push_back(permission);
+            applied.Add(permission);
         }
     }
-    applied.insert(applied.end(), tried.grants.begin(), tried.grants.end());
-    return applied;
+    std::for_each(tried.grants.begin(), tried.grants.end(), [&](const PermissionBase& grant) { applied.Add(grant); });
+    return applied.Take();
 }
 
 const char* ChangedDetails::GetAttribute(const char* name)

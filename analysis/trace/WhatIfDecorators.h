@@ -11,8 +11,9 @@
 
 namespace secm::analysis {
 
-/// `permissions` without those that are revoked, followed by those that are granted. Sets in `tried` how many each
-/// revocation takes away.
+/// `permissions` without those that are revoked, followed by those that are granted. A grant without a resource adds
+/// its bits to the permission of the same name that is held without a resource, as a security database adds them up.
+/// Sets in `tried` how many each revocation takes away.
 std::vector<PermissionBase> WithChanges(WhatIf& tried, const std::vector<PermissionBase>& permissions);
 
 /// Decides from a permission list as the module does for requests by name.

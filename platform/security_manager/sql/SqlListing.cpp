@@ -27,10 +27,10 @@ public:
     void ForEachUser(const std::function<void(const std::string&)>& handle) override
     {
         TextColumn name;
-        const Statement byName{"SELECT user_name FROM security_user", "user_name > :last", "user_name"};
+        const Statement byName{"SECM_ListingInterface::ForEachUser", "listing the users",
+                               "SELECT user_name FROM security_user", "user_name > :last", "user_name"};
         ReadPages<std::string>(
-            "listing the users", byName, handle,
-            [&](soci::statement& page) { page.exchange(soci::into(name.text, name.indicator)); },
+            byName, handle, [&](soci::statement& page) { page.exchange(soci::into(name.text, name.indicator)); },
             [&](soci::statement& page, const std::string& last) { page.exchange(soci::use(last, "last")); },
             [&] { return name.At(PlaceOf("security_user", name)); },
             [](const std::string& one, const std::string& other) { return one == other; });
@@ -41,11 +41,12 @@ public:
         PermissionRow row;
         TextColumn granteeType;
         TextColumn grantee;
-        const Statement byPosition{std::string("SELECT ") + permissionColumns +
+        const Statement byPosition{"SECM_ListingInterface::ForEachGrant", "listing the permissions",
+                                   std::string("SELECT ") + permissionColumns +
                                        ", grantee_type, grantee FROM security_permission",
                                    "position > :last", "position"};
         ReadPages<SECM_Grant>(
-            "listing the permissions", byPosition, handle,
+            byPosition, handle,
             [&](soci::statement& page) {
                 row.Bind(page);
                 page.exchange(soci::into(granteeType.text, granteeType.indicator));
@@ -64,10 +65,11 @@ public:
         TextColumn user;
         TextColumn name;
         TextColumn value;
-        const Statement byUser{"SELECT user_name, attribute_name, attribute_value FROM security_attribute",
+        const Statement byUser{"SECM_ListingInterface::ForEachAttribute", "listing the attributes",
+                               "SELECT user_name, attribute_name, attribute_value FROM security_attribute",
                                "(user_name, attribute_name) > (:lastUser, :lastName)", "user_name, attribute_name"};
         ReadPages<SECM_Attribute>(
-            "listing the attributes", byUser, handle,
+            byUser, handle,
             [&](soci::statement& page) {
                 for (TextColumn* column : {&user, &name, &value}) {
                     page.exchange(soci::into(column->text, column->indicator));
@@ -88,7 +90,7 @@ public:
 
     void CheckIntegrity() override
     {
-        Ask("checking the integrity", [&] { connection.CheckIntegrity(); });
+        Ask("SECM_ListingInterface::CheckIntegrity", "checking the integrity", [&] { connection.CheckIntegrity(); });
     }
 
     void ForEachRisk(const std::function<void(const SECM_Risk&)>& handle) override
@@ -100,17 +102,20 @@ public:
 
 private:
     template <class Question>
-    void Ask(const char* name, Question question)
+    void Ask(const char* function, const char* name, Question question)
     {
         try {
             question();
         } catch (const std::runtime_error& error) {
+            LogFailure(function, text, "failed", fmt::format("{}: {}", name, ReasonOf(error)));
             throw std::runtime_error(fmt::format("the security database '{}' cannot be read: {}: {}",
                                                  ShownConnectionText(text), name, ReasonOf(error)));
         }
     }
 
     struct Statement {
+        const char* function; // and what it does, for messages
+        const char* name;
         std::string select;
         std::string behindLast; // the condition on the rows behind the last row of a page
         std::string order;
@@ -128,15 +133,15 @@ private:
     // must be found there again. Otherwise rows would be left out or repeated without end: rows with a key that another
     // row has too, or with a key that is no text.
     template <class Row, class BindRow, class BindLast, class TakeRow, class HasSameKey>
-    void ReadPages(const char* name, const Statement& statement, const std::function<void(const Row&)>& handle,
-                   BindRow bindRow, BindLast bindLast, TakeRow takeRow, HasSameKey hasSameKey)
+    void ReadPages(const Statement& statement, const std::function<void(const Row&)>& handle, BindRow bindRow,
+                   BindLast bindLast, TakeRow takeRow, HasSameKey hasSameKey)
     {
         const std::string page = " ORDER BY " + statement.order + " LIMIT " + std::to_string(pageSize + 1);
         std::vector<Row> rows;
         do {
             const std::vector<Row> before = std::move(rows); // and the first row of this page
             rows.clear();
-            Ask(name, [&] {
+            Ask(statement.function, statement.name, [&] {
                 connection.Keep([&] {
                     soci::statement select(connection.Session());
                     bindRow(select);
@@ -179,8 +184,10 @@ std::unique_ptr<SECM_ListingInterface> openSECM_Listing(const char* connectionTe
     try {
         return std::make_unique<SqlListing>(text, std::min(timeoutSeconds, longestTimeoutSeconds));
     } catch (const std::runtime_error& error) {
+        const std::string reason = ReasonOf(error);
+        LogFailure("openSECM_Listing", text, "cannot be used", reason);
         throw std::runtime_error(
-            fmt::format("the security database '{}' cannot be used: {}", ShownConnectionText(text), ReasonOf(error)));
+            fmt::format("the security database '{}' cannot be used: {}", ShownConnectionText(text), reason));
     }
 }
 
