@@ -49,6 +49,27 @@ public:
     virtual void CheckIntegrity() {}
     /// The risks of the connection that the security manager can detect.
     virtual void ForEachRisk(const std::function<void(const SECM_Risk& risk)>& /*handle*/) {}
+
+    /// The grants to exactly this user and to exactly this group, by position; an empty group is no group.
+    virtual void ForEachGrantTo(const std::string& userName, const std::string& groupName,
+                                const std::function<void(const SECM_Grant& grant)>& handle)
+    {
+        ForEachGrant([&](const SECM_Grant& grant) {
+            if (grant.isToGroup ? grant.grantee == groupName && !groupName.empty() : grant.grantee == userName) {
+                handle(grant);
+            }
+        });
+    }
+    /// The grants of exactly this permission, by position.
+    virtual void ForEachGrantOf(const std::string& permissionName,
+                                const std::function<void(const SECM_Grant& grant)>& handle)
+    {
+        ForEachGrant([&](const SECM_Grant& grant) {
+            if (grant.permission.name() == permissionName) {
+                handle(grant);
+            }
+        });
+    }
 };
 
 /// Connects, with the arguments of SecurityManagerInterface::Initialize. Throws std::runtime_error, without quoting

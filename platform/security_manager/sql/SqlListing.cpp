@@ -38,26 +38,32 @@ public:
 
     void ForEachGrant(const std::function<void(const SECM_Grant&)>& handle) override
     {
-        PermissionRow row;
-        TextColumn granteeType;
-        TextColumn grantee;
-        const Statement byPosition{"SECM_ListingInterface::ForEachGrant", "listing the permissions",
-                                   std::string("SELECT ") + permissionColumns +
-                                       ", grantee_type, grantee FROM security_permission",
-                                   "position > :last", "position"};
-        ReadPages<SECM_Grant>(
-            byPosition, handle,
-            [&](soci::statement& page) {
-                row.Bind(page);
-                page.exchange(soci::into(granteeType.text, granteeType.indicator));
-                page.exchange(soci::into(grantee.text, grantee.indicator));
-            },
-            [&](soci::statement& page, const SECM_Grant& last) { page.exchange(soci::use(last.position, "last")); },
-            [&]() -> SECM_Grant {
-                const RowPlace place{"security_permission", {}, row.position};
-                return {row.position, granteeType.At(place) == "group", grantee.At(place), row.Permission()};
-            },
-            [](const SECM_Grant& one, const SECM_Grant& other) { return one.position == other.position; });
+        ReadGrants("SECM_ListingInterface::ForEachGrant", "", {}, handle);
+    }
+
+    // The statements compare by the collations of the columns, which may take more names for the same.
+    void ForEachGrantTo(const std::string& userName, const std::string& groupName,
+                        const std::function<void(const SECM_Grant&)>& handle) override
+    {
+        ReadGrants("SECM_ListingInterface::ForEachGrantTo",
+                   "(grantee_type = 'user' AND grantee = :first OR grantee_type = 'group' AND grantee = :second)",
+                   {userName, groupName}, [&](const SECM_Grant& grant) {
+                       if (grant.isToGroup ? grant.grantee == groupName && !groupName.empty()
+                                           : grant.grantee == userName) {
+                           handle(grant);
+                       }
+                   });
+    }
+
+    void ForEachGrantOf(const std::string& permissionName,
+                        const std::function<void(const SECM_Grant&)>& handle) override
+    {
+        ReadGrants("SECM_ListingInterface::ForEachGrantOf", "permission_name = :first", {permissionName},
+                   [&](const SECM_Grant& grant) {
+                       if (grant.permission.name() == permissionName) {
+                           handle(grant);
+                       }
+                   });
     }
 
     void ForEachAttribute(const std::function<void(const SECM_Attribute&)>& handle) override
@@ -113,12 +119,45 @@ private:
         }
     }
 
+    // `names` are the parameters ":first" and ":second" of `condition`.
+    void ReadGrants(const char* function, const std::string& condition, const std::vector<std::string>& names,
+                    const std::function<void(const SECM_Grant&)>& handle)
+    {
+        PermissionRow row;
+        TextColumn granteeType;
+        TextColumn grantee;
+        const Statement byPosition{function,
+                                   "listing the permissions",
+                                   std::string("SELECT ") + permissionColumns +
+                                       ", grantee_type, grantee FROM security_permission",
+                                   "position > :last",
+                                   "position",
+                                   condition};
+        ReadPages<SECM_Grant>(
+            byPosition, handle,
+            [&](soci::statement& page) {
+                row.Bind(page);
+                page.exchange(soci::into(granteeType.text, granteeType.indicator));
+                page.exchange(soci::into(grantee.text, grantee.indicator));
+                for (std::size_t index = 0; index < names.size(); ++index) {
+                    page.exchange(soci::use(names[index], index == 0 ? "first" : "second"));
+                }
+            },
+            [&](soci::statement& page, const SECM_Grant& last) { page.exchange(soci::use(last.position, "last")); },
+            [&]() -> SECM_Grant {
+                const RowPlace place{"security_permission", {}, row.position};
+                return {row.position, granteeType.At(place) == "group", grantee.At(place), row.Permission()};
+            },
+            [](const SECM_Grant& one, const SECM_Grant& other) { return one.position == other.position; });
+    }
+
     struct Statement {
         const char* function; // and what it does, for messages
         const char* name;
         std::string select;
         std::string behindLast; // the condition on the rows behind the last row of a page
         std::string order;
+        std::string condition = {}; // on all rows
     };
 
     // The place of a row of a user, whose name may be NULL.
@@ -149,7 +188,10 @@ private:
                         bindLast(select, before.at(pageSize - 1));
                     }
                     select.alloc();
-                    select.prepare(statement.select + (before.empty() ? "" : " WHERE " + statement.behindLast) + page);
+                    const std::string behind = before.empty() ? "" : statement.behindLast;
+                    const std::string conditions =
+                        statement.condition + (statement.condition.empty() || behind.empty() ? "" : " AND ") + behind;
+                    select.prepare(statement.select + (conditions.empty() ? "" : " WHERE " + conditions) + page);
                     select.define_and_bind();
                     select.execute();
                     while (select.fetch()) {
@@ -184,10 +226,8 @@ std::unique_ptr<SECM_ListingInterface> openSECM_Listing(const char* connectionTe
     try {
         return std::make_unique<SqlListing>(text, std::min(timeoutSeconds, longestTimeoutSeconds));
     } catch (const std::runtime_error& error) {
-        const std::string reason = ReasonOf(error);
-        LogFailure("openSECM_Listing", text, "cannot be used", reason);
         throw std::runtime_error(
-            fmt::format("the security database '{}' cannot be used: {}", ShownConnectionText(text), reason));
+            fmt::format("the security database '{}' cannot be used: {}", ShownConnectionText(text), ReasonOf(error)));
     }
 }
 
