@@ -60,13 +60,59 @@ mv "$scratch/first" "$scratch/moved"
 expect "no path of the build in any installed file" "" grep -rlE "$build|$PWD|$scratch/first" "$scratch/moved"
 hosts_against "installed and moved" "$scratch/moved" 1000
 
-(cd "$build" && cpack -G DEB -B "$scratch/deb")
+verdict=$(scripts/interfaces compare "$scratch/moved" 2>&1) && status=0 || status=$?
+expect "$(tail -n 1 <<<"$verdict")" "0" echo "$status"
+echo "$verdict"
+
+pack() { (cd "$build" && cpack -G DEB -B "$1") && rm -r "$1/_CPack_Packages"; } # FOLDER
+pack "$scratch/deb"
+(umask 077 && pack "$scratch/again") # another folder, another time, other permissions
+expect "two runs of cpack give the same packages" "" diff -r "$scratch/deb" "$scratch/again"
+root=--allow-root
+[ "$(id -u)" -eq 0 ] || root=
+expect "lintian" "" lintian $root "$scratch"/deb/*.deb
 for package in "$scratch"/deb/*.deb; do
     dpkg-deb -x "$package" "$scratch/root"
 done
+expect "two major versions of the library can be installed together" "" bash -c \
+    "dpkg-deb -c '$scratch'/deb/libsecm-accesscontrol0_*.deb | awk '{print \$6}' | grep -vE '/$|\.so\.0|libsecm-accesscontrol0'"
+documents=$scratch/root/usr/share/doc
+expect "documents, tables, sample and completion are in the packages" "7" bash -c 'ls -d "$@" | wc -l' - "$documents"/secm-accesscontrol/README.md \
+    "$documents"/secm-accesscontrol/{SECURITY.md,docs/operations.md,examples/documents/{schema.sql,archive.toml}} \
+    "$scratch/root/usr/share/bash-completion/completions/acfilter" "$scratch/root/usr/share/man/man1/acfilter.1.gz"
+for package in libsecm-accesscontrol0 acfilter; do
+    cat >"$scratch/bill.cmake" <<'END'
+cmake_minimum_required(VERSION 3.25)
+file(READ ${FILE} text)
+string(JSON version GET "${text}" spdxVersion)
+string(JSON count LENGTH "${text}" packages)
+string(JSON relationships LENGTH "${text}" relationships)
+set(names "")
+math(EXPR last "${count} - 1")
+foreach(index RANGE ${last})
+    string(JSON name GET "${text}" packages ${index} name)
+    list(APPEND names ${name})
+endforeach()
+foreach(needed IN LISTS NEEDED)
+    if(NOT needed IN_LIST names)
+        message("${needed} is missing in the bill of materials")
+    endif()
+endforeach()
+if(NOT version STREQUAL "SPDX-2.3" OR relationships LESS count)
+    message("not of SPDX 2.3, or without relationships")
+endif()
+END
+    # Everything that the package depends on, apart from its own library.
+    needed=$(dpkg-deb -f "$scratch"/deb/"$package"_*.deb Depends | tr ',' '\n' | sed -E 's/^ *([^ ]+).*/\1/; /^libsecm/d; s/-fmt9$//' | paste -sd';')
+    expect "$package: its bill of materials lists what it loads" "" cmake -D "FILE=$documents/$package/$package.spdx.json" \
+        -D "NEEDED=$needed" -P "$scratch/bill.cmake"
+done
 depends=$(dpkg-deb -f "$scratch"/deb/libsecm-accesscontrol0_*.deb Depends)
 expect "the package depends on what it links" "yes" bash -c "[[ '$depends' == *libsoci-core* && '$depends' == *libspdlog* ]] && echo yes"
+# Installed, their libraries are where the loader looks.
+export LD_LIBRARY_PATH=$scratch/root/usr/lib
 hosts_against "Debian packages" "$scratch/root/usr" 1
+unset LD_LIBRARY_PATH
 
 own="department = ('Legal') AND author = ('e1')"
 cmake_build "$examples/own_security_manager" "$scratch/moved" own
