@@ -77,6 +77,10 @@ public:
 PLATFORM_EXPORT __attribute__((weak)) std::unique_ptr<SECM_ListingInterface>
 openSECM_Listing(const char* connectionText, unsigned timeoutSeconds);
 
+/// The connection text without secrets, for messages and reports. Throws std::bad_alloc alone. Any thread may call. A
+/// weak symbol: null where the security manager does not offer it.
+PLATFORM_EXPORT __attribute__((weak)) std::string shownSECM_Connection(const char* connectionText);
+
 /// Throws the std::runtime_error that a request throws when `permission` is granted to its user and
 /// `SECM_ALLOWED_RESOURCES` does not allow the resource; in place of the row, the text names the permission. Throws as
 /// a request does when the variable is no regular expression. Does nothing while it is unset. Any thread may call. A

@@ -5,7 +5,7 @@
   const tell = (name, value) => facts.push(`${name}: ${value}`);
   const table = document.getElementById("access");
   const rows = () => Array.from(table.tBodies[0].rows);
-  const users = () => rows().filter((row) => !row.hidden).map((row) => row.cells[0].textContent).join(" ; ");
+  const users = () => rows().map((row) => row.cells[0].textContent).join(" ; ");
   const head = (name) => Array.from(table.tHead.rows[0].cells).find((cell) => cell.textContent === name);
   const sortBy = (name) => head(name).querySelector("button").click();
 
@@ -44,7 +44,31 @@
     return `${users()} (${document.querySelector("output").textContent})`;
   };
   tell("search", find("FINANCE"));
-  tell("search for nothing", rows().length - find("").split(" ; ").length);
+  find("");
+  const outcomes = Array.from(document.querySelectorAll("[role=group] button"));
+  const choose = (name) => outcomes.find((button) => button.textContent.startsWith(name)).click();
+  choose("unrestricted");
+  tell("unrestricted", `${users()} (${document.querySelector("output").textContent})`);
+  choose("restricted");
+  tell("restricted", `${rows().length}, pressed: ${outcomes.filter((each) => each.ariaPressed === "true").map((each) => each.textContent)}`);
+  tell("searched among them", find("baltic"));
+  find("");
+  choose("all");
+  tell("all again", rows().length);
+  tell("reached by keyboard", Array.from(document.querySelectorAll("input, button, [tabindex]")).filter((each) => {
+    each.focus();
+    return document.activeElement === each || each.disabled || each.closest("[hidden]");
+  }).length - document.querySelectorAll("input, button, [tabindex]").length);
+
+  const area = document.getElementById("table");
+  area.style.maxHeight = "200px";
+  area.scrollTop = area.scrollLeft = 150;
+  const corner = area.getBoundingClientRect();
+  const place = (cell) => cell.getBoundingClientRect();
+  tell("in sight when scrolled", `head ${Math.round(place(table.tHead.rows[0].cells[3]).top - corner.top)},` +
+    ` first column ${Math.round(place(rows()[9].cells[0]).left - corner.left)}`);
+  tell("wider than the window", document.documentElement.scrollWidth > window.innerWidth);
+  tell("summary", getComputedStyle(document.querySelector("#outcomes tr")).display);
   tell("page", getComputedStyle(document.body).backgroundColor);
 
   const result = document.createElement("pre");

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Opens a report with hostile names in Chromium, without a window. Checks what the page shows, that no script from the
-# names runs, sorting, searching, the light and the dark colours, and print.
+# names runs, sorting, searching, choosing an outcome, narrow windows, the light and the dark colours, and print.
 # Usage: tests/browser/run.sh BUILD_FOLDER
 set -euo pipefail
 cd "$(dirname "$0")/../.."
@@ -51,13 +51,33 @@ light=$(facts)
 expect "names are text, and the page sorts and searches" "$(<tests/browser/facts.txt)" "$light"
 expect "light" "page: rgb(255, 255, 255)" "$(tail -n 1 <<<"$light")"
 expect "dark" "page: rgb(20, 24, 29)" "$(facts --blink-settings=preferredColorScheme=0 | tail -n 1)"
+for width in 390 500; do
+    expect "$width pixels wide, nothing is cut off and the summary stacks" "wider than the window: false
+summary: grid" "$(facts --window-size=$width,900 | grep -E '^(wider|summary)')"
+done
+expect "without a script, every row is there" "16" "$(grep -c '^<tr><th scope="row"><bdi>' "$report")"
+expect "the security database is named, without secrets" "sqlite3://db=$scratch/security.db" \
+    "$(sed -nE 's/.*<dt>Security database<.dt><dd><bdi>(.*)<.bdi><.dd>/\1/p' "$report")"
 
-seq -f 'user%03g' 100 >"$scratch/users.txt"
+seq -f 'user%03g' 250 >"$scratch/users.txt"
 "$acfilter" report -c "$scratch/archive.toml" -s "sqlite3://db=$scratch/security.db" -r "$hostile" --format html \
     --users-from "$scratch/users.txt" --output "$report"
+{
+    grep -v '^<meta http-equiv="Content-Security-Policy"' "$report"
+    cat <<'END'
+<script>
+  const seen = () => `${document.querySelector("nav span").textContent}: ${document.querySelectorAll("#access tbody tr").length}`;
+  const pages = Array.from(document.querySelectorAll("nav button"));
+  document.title = [0, 2, 2, 2, 1, 3].map((number) => { pages[number].click(); return seen(); }).join(", ");
+</script>
+END
+} >"$scratch/pages.html"
+expect "a page of rows at a time" \
+    "Page 1 of 3: 100, Page 2 of 3: 100, Page 3 of 3: 50, Page 3 of 3: 50, Page 2 of 3: 100, Page 3 of 3: 50" \
+    "$(browse --dump-dom "$scratch/pages.html" | sed -n 's/.*<title>\(.*\)<.title>.*/\1/p')"
 browse --print-to-pdf="$scratch/report.pdf" "$report" >"$scratch/dom"
 pages=$(pdftotext -layout "$scratch/report.pdf" - | tr -d '\n' | tr '\f' '\n' | grep -c .)
 pdftotext -layout "$scratch/report.pdf" "$scratch/printed"
-expect "printed, every page has the table's head, and no page the search" "yes $pages 100 0" \
+expect "printed, every page has the table's head, and no page the search" "yes $pages 250 0" \
     "$([ "$pages" -gt 1 ] && echo yes) $(grep -c 'Group.*Outcome.*Filter' "$scratch/printed") \
-$(grep -c 'user[01][0-9][0-9]' "$scratch/printed") $(grep -c Search "$scratch/printed" || true)"
+$(grep -c 'user[0-2][0-9][0-9]' "$scratch/printed") $(grep -c Search "$scratch/printed" || true)"

@@ -231,6 +231,11 @@ std::unique_ptr<SECM_ListingInterface> openSECM_Listing(const char* connectionTe
     }
 }
 
+std::string shownSECM_Connection(const char* connectionText)
+{
+    return ShownConnectionText(connectionText != nullptr ? connectionText : "");
+}
+
 void requireSECM_AllowedGrant(const PermissionBase& permission)
 {
     if (const AllowedTexts allowed(allowedResourcesVariable); !AllowsResourceOf(allowed, permission)) {

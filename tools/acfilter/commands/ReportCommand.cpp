@@ -4,6 +4,7 @@
 
 #include "analysis/trace/Tracer.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
+#include "platform/security_manager/SECM_Listing.h"
 #include "tools/acfilter/commands/CommandInputs.h"
 #include "tools/acfilter/commands/Configuration.h"
 #include "tools/acfilter/commands/Connection.h"
@@ -122,6 +123,9 @@ ExitStatus RunReport(const ReportOptions& options)
         head.fields.push_back(rule->name);
     }
     Connect(tracer, host);
+    if (shownSECM_Connection != nullptr) {
+        head.securityDatabase = shownSECM_Connection(host.securityDatabase.c_str());
+    }
     if (options.output) {
         RequireNoInput(*options.output, host, candidate.get(), options.usersFrom);
     }

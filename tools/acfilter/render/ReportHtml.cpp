@@ -1,6 +1,6 @@
 // A report as one page that needs no other file. Each text from the configuration or the security database is escaped,
 // its control characters are shown, and its direction of writing does not reach the text around it. The page allows no
-// style and no script but its own, and loads nothing.
+// style and no script but its own, and loads nothing. Each row is one line, by which the script finds it.
 #include "tools/acfilter/render/ReportWriter.h"
 
 #include "ReportPage.h"
@@ -57,9 +57,10 @@ std::string Percent(unsigned long long part, unsigned long long whole)
 
 std::string CountsTable(const OutcomeCounts& counts)
 {
-    std::string table = "<table><caption>Users by outcome</caption>\n<thead><tr><th scope=\"col\">Outcome</th>"
-                        "<th scope=\"col\">Users</th><th scope=\"colgroup\" colspan=\"2\">Share</th>"
-                        "<th scope=\"col\">Meaning</th></tr></thead>\n<tbody>\n";
+    std::string table =
+        "<table id=\"outcomes\"><caption>Users by outcome</caption>\n<thead><tr><th scope=\"col\">Outcome</th>"
+        "<th scope=\"col\">Users</th><th scope=\"colgroup\" colspan=\"2\">Share</th>"
+        "<th scope=\"col\">Meaning</th></tr></thead>\n<tbody>\n";
     for (const analysis::Outcome outcome : allOutcomes) {
         table += fmt::format(
             R"(<tr><th scope="row" class="{0}">{0}</th><td class="count">{1}</td><td class="count">{2} %</td>)"
@@ -90,6 +91,9 @@ std::string Facts(const ReportHead& head, const OutcomeCounts& counts)
         facts += fmt::format("<dt>Configuration</dt><dd>{}<br>SHA-256 <code>{}</code></dd>\n", Isolated(digest.file),
                              digest.sha256);
     }
+    if (!head.securityDatabase.empty()) {
+        facts += "<dt>Security database</dt><dd>" + Isolated(head.securityDatabase) + "</dd>\n";
+    }
     const std::string asked = head.withoutLogin        ? "by name, without a log-in"
                               : head.ipAddress.empty() ? "by a log-in"
                                                        : "by a log-in from " + Isolated(head.ipAddress);
@@ -104,8 +108,8 @@ std::string TableHead(const ReportHead& head)
         ". <b>all</b>: the user holds the field's permission outright and is not restricted by it. <b>none</b>: no "
         "value is left, so every record is hidden. <b>not asked</b>: the answer was certain before. <b>restricts "
         "nothing</b>: there are values, but the field adds nothing to the filter.</p>\n"
-        "<div class=\"wide\" id=\"table\" role=\"region\" aria-labelledby=\"name\" tabindex=\"0\">\n"
-        "<table id=\"access\"><caption id=\"name\">Who sees what</caption>\n<thead><tr><th scope=\"col\">User</th>"
+        "<div class=\"wide\" id=\"table\" role=\"region\" aria-label=\"Who sees what\" tabindex=\"0\"><noscript>\n"
+        "<table id=\"access\"><caption>Who sees what</caption>\n<thead><tr><th scope=\"col\">User</th>"
         "<th scope=\"col\">Group</th><th scope=\"col\">Outcome</th>";
     for (const std::string& field : head.fields) {
         table += "<th scope=\"col\">" + Isolated(field) + "</th>";
@@ -137,7 +141,8 @@ public:
     {
         output.Write(PageHead(head) + Facts(head, counts) + CountsTable(counts) + TableHead(head));
         rows->ForEachLine([&](std::string_view line) { output.Write(fmt::format("{}\n", line)); });
-        output.Write("</tbody></table>\n</div>\n<script>" + std::string(pageScript) + "</script>\n</body>\n</html>\n");
+        output.Write("</tbody></table>\n</noscript></div>\n<script>" + std::string(pageScript) +
+                     "</script>\n</body>\n</html>\n");
     }
 
 private:

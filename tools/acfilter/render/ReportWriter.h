@@ -26,6 +26,7 @@ struct ReportHead {
     bool isFull = false;                   ///< False: long lists and texts are cut short in text.
     bool isForTerminal = false;            ///< Control characters are escaped in every format.
     std::vector<FileDigest> configuration; ///< Only for the form that shows them.
+    std::string securityDatabase;          ///< Without secrets; empty: it is not named.
     std::string generated;                 ///< When, in UTC.
 };
 
