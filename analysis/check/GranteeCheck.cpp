@@ -1,0 +1,187 @@
+#include "analysis/check/GranteeCheck.h"
+
+#include "analysis/check/GrantRow.h"
+#include "analysis/check/TextAppearance.h"
+#include "platform/security_manager/SECM_Constants.h"
+
+#include <fmt/core.h>
+
+#include <vector>
+
+namespace secm::analysis {
+
+namespace {
+
+constexpr const char* grantTable = "security_permission";
+
+std::string WriteInstead(const std::string& meant, const char* column, const char* table, const std::string& key)
+{
+    return meant.empty() ? ""
+                         : fmt::format("did you mean '{}'? then set {} to '{}' in {} where {}; else ", meant, column,
+                                       meant, table, key);
+}
+
+std::string GrantsTo(const char* type, const std::string& name)
+{
+    return fmt::format("grantee_type = '{}' and grantee = '{}'", type, name);
+}
+
+bool IsReserved(const std::string& name)
+{
+    return name.empty() || name == platform::noGroup;
+}
+
+} // namespace
+
+void GranteeCheck::Check(const SECM_GrantRow& row)
+{
+    const SECM_Grant& grant = row.grant;
+    if (row.granteeType != "user" && row.granteeType != "group") {
+        unknownTypes.Add(row.granteeType, PositionOf(grant));
+    } else if (IsReserved(grant.grantee)) {
+        reserved.Add(grant.grantee, PositionOf(grant));
+    } else {
+        CheckGrantee(grant);
+    }
+}
+
+void GranteeCheck::CheckGrantee(const SECM_Grant& grant)
+{
+    const bool isUser = known.FindUser(grant.grantee).has_value();
+    const bool isGroup = known.FindGroup(grant.grantee).has_value();
+    if (isUser && isGroup) {
+        ofBothTypes.Add(grant.grantee, PositionOf(grant));
+    } else if (grant.isToGroup && known.KnowsGroups() && !isGroup) {
+        (isUser ? usersAsGroups : absentGroups).Add(grant.grantee, PositionOf(grant));
+    } else if (!grant.isToGroup && !isUser) {
+        (isGroup ? groupsAsUsers : absentUsers).Add(grant.grantee, PositionOf(grant));
+    }
+}
+
+void GranteeCheck::Check(const SECM_Attribute& attribute)
+{
+    if (!known.FindUser(attribute.userName)) {
+        absentOwners.Add(attribute.userName, fmt::format("'{}'", attribute.name));
+    }
+}
+
+void GranteeCheck::Report(FindingSink& sink) const
+{
+    AbsentUsers(sink);
+    AbsentGroups(sink);
+    WrongTypes(sink);
+    AttributesOfAbsentUsers(sink);
+    SameNames(sink);
+    ReservedNames(sink);
+}
+
+void GranteeCheck::AbsentUsers(FindingSink& sink) const
+{
+    const std::string effect = "nobody has them now; a user who is added with this name later will have them at once";
+    const std::vector<std::string> users = absentUsers.names.empty() ? std::vector<std::string>() : known.UserNames();
+    for (const auto& [name, grants] : absentUsers.names) {
+        sink.Warn("AC052", SecurityPlace(),
+                  fmt::format("there is no user '{}', to whom {} is made in {}", name, grants.InWords("grant"),
+                              grantTable),
+                  effect,
+                  WriteInstead(ProbablyMeant(name, users), "grantee", grantTable, GrantsTo("user", name)) +
+                      "delete these rows, or add the user to security_user");
+    }
+    if (absentUsers.others.count != 0) {
+        sink.Warn("AC052", SecurityPlace(),
+                  fmt::format("there are more users who do not exist, to whom {} is made in {}",
+                              absentUsers.others.InWords("grant"), grantTable),
+                  effect, "delete the rows with grantee_type = 'user' whose grantee is not in security_user");
+    }
+}
+
+void GranteeCheck::AbsentGroups(FindingSink& sink) const
+{
+    const std::string effect = "nobody has them now; a user who is put into this group later will have them at once";
+    const std::vector<std::string> groups =
+        absentGroups.names.empty() ? std::vector<std::string>() : known.GroupNames();
+    for (const auto& [name, grants] : absentGroups.names) {
+        sink.Warn("AC053", SecurityPlace(),
+                  fmt::format("no user is in the group '{}', to which {} is made in {}", name, grants.InWords("grant"),
+                              grantTable),
+                  effect,
+                  WriteInstead(ProbablyMeant(name, groups), "grantee", grantTable, GrantsTo("group", name)) +
+                      "delete these rows, or put users into the group in security_user.group_name");
+    }
+    if (absentGroups.others.count != 0) {
+        sink.Warn("AC053", SecurityPlace(),
+                  fmt::format("there are more groups without users, to which {} is made in {}",
+                              absentGroups.others.InWords("grant"), grantTable),
+                  effect, "delete the rows with grantee_type = 'group' whose grantee is no security_user.group_name");
+    }
+}
+
+void GranteeCheck::WrongTypes(FindingSink& sink) const
+{
+    const auto report = [&](const CountByName& grants, const char* type, const char* right) {
+        for (const auto& [name, rows] : grants.names) {
+            sink.Warn("AC054", SecurityPlace(),
+                      fmt::format("'{}' is a {} and no {}, but grantee_type is '{}' in {} of {}", name, right, type,
+                                  type, rows.InWords("row"), grantTable),
+                      fmt::format("the {} '{}' does not have these grants", right, name),
+                      fmt::format("set grantee_type to '{}' in {} where {}", right, grantTable, GrantsTo(type, name)));
+        }
+    };
+    report(groupsAsUsers, "user", "group");
+    report(usersAsGroups, "group", "user");
+    for (const auto& [type, rows] : unknownTypes.names) {
+        sink.Warn("AC054", SecurityPlace(),
+                  fmt::format("grantee_type is '{}', which is neither 'user' nor 'group', in {} of {}", type,
+                              rows.InWords("row"), grantTable),
+                  "nobody has these grants", "write 'user' or 'group', in small letters and without blanks");
+    }
+}
+
+void GranteeCheck::AttributesOfAbsentUsers(FindingSink& sink) const
+{
+    const std::vector<std::string> users = absentOwners.names.empty() ? std::vector<std::string>() : known.UserNames();
+    for (const auto& [name, attributes] : absentOwners.names) {
+        const std::string key = fmt::format("user_name = '{}'", name);
+        sink.Warn("AC082", SecurityPlace(),
+                  fmt::format("there is no user '{}', who has {} in security_attribute", name,
+                              attributes.InWords("attribute")),
+                  "nobody has them now; a user who is added with this name later will have them at once",
+                  WriteInstead(ProbablyMeant(name, users), "user_name", "security_attribute", key) +
+                      fmt::format("delete the rows of security_attribute where {}, or add the user to security_user",
+                                  key));
+    }
+    if (absentOwners.others.count != 0) {
+        sink.Warn("AC082", SecurityPlace(),
+                  fmt::format("there are more users who do not exist, who have {} in security_attribute",
+                              absentOwners.others.InWords("attribute")),
+                  "nobody has them now; users who are added with these names later will have them at once",
+                  "delete the rows of security_attribute whose user_name is not in security_user");
+    }
+}
+
+void GranteeCheck::SameNames(FindingSink& sink) const
+{
+    for (const auto& [name, grants] : ofBothTypes.names) {
+        sink.Warn("AC091", SecurityPlace(),
+                  fmt::format("a user and a group are both named '{}', and {} is made to this name in {}", name,
+                              grants.InWords("grant"), grantTable),
+                  "only grantee_type decides whether one user or all users of the group have them: a mix-up is not "
+                  "noticed",
+                  "give the group another name, in security_user.group_name and in the grants");
+    }
+}
+
+void GranteeCheck::ReservedNames(FindingSink& sink) const
+{
+    for (const auto& [name, grants] : reserved.names) {
+        sink.Warn("AC092", SecurityPlace(),
+                  fmt::format("grantee is {} in {} of {}", name.empty() ? "empty" : fmt::format("'{}'", name),
+                              grants.InWords("row"), grantTable),
+                  name.empty() ? "an empty name is no group, and no user should have it: the grants reach nobody who "
+                                 "was meant"
+                               : "hosts send this name at log-in for the user's own group, so no group can have it",
+                  "write the name of the user or the group who is to have the grants, or delete these rows");
+    }
+}
+
+} // namespace secm::analysis
