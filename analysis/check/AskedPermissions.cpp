@@ -28,9 +28,9 @@ AskedPermissions::AskedPermissions(const std::vector<CheckedRepository>& reposit
                 permission.values.end()) {
                 permission.values.push_back(field->permissionValue);
             }
-            permission.isMapped = permission.isMapped &&
-                                  std::all_of(field->conditions.begin(), field->conditions.end(),
-                                              [](const ConditionRule& condition) { return condition.isMapped; });
+            permission.isMapped =
+                permission.isMapped && std::all_of(field->conditions.begin(), field->conditions.end(),
+                                                   [](const ConditionRule& condition) { return condition.isMapped; });
         }
     }
 }

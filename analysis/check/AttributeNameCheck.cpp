@@ -45,15 +45,16 @@ void AttributeNameCheck::Report(FindingSink& sink)
     EndUser();
     for (const auto& [name, rows] : misspelt.names) {
         const std::string& right = Meant(name);
-        sink.Warn("AC090", SecurityPlace(),
-                  fmt::format("the attribute '{}', which nothing asks for, is nearly '{}' in {}", name, right,
-                              rows.InWords("row", " of security_attribute")),
-                  fmt::format("these users have no attribute '{}': what %my% or a token is to be replaced with is "
-                              "missing",
-                              right),
-                  fmt::format("set attribute_name to '{}' in security_attribute where attribute_name = '{}'; attributes "
-                              "have no $ there",
-                              right, name));
+        sink.Warn(
+            "AC090", SecurityPlace(),
+            fmt::format("the attribute '{}', which nothing asks for, is nearly '{}' in {}", name, right,
+                        rows.InWords("row", " of security_attribute")),
+            fmt::format("these users have no attribute '{}': what %my% or a token is to be replaced with is "
+                        "missing",
+                        right),
+            fmt::format("set attribute_name to '{}' in security_attribute where attribute_name = '{}'; attributes "
+                        "have no $ there",
+                        right, name));
     }
 }
 

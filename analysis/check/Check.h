@@ -42,8 +42,9 @@ public:
     std::vector<std::string> Repositories() const;
 
     /// What is wrong with the users, grants and attributes under this configuration, and with the connection: sorted,
-    /// each finding once. Reads everything once, and keeps the users' names and some numbers of each grant. It does not check whether the database is
-    /// damaged; SECM_ListingInterface::CheckIntegrity does. Throws what `security` throws.
+    /// each finding once. Reads everything once, and keeps the users' names and some numbers of each grant. It does not
+    /// check whether the database is damaged; SECM_ListingInterface::CheckIntegrity does. Throws what `security`
+    /// throws.
     std::vector<Finding> CheckGrants(SECM_ListingInterface& security) const;
 
 private:

@@ -8,8 +8,8 @@
 
 namespace secm::analysis {
 
-/// Counts rows with the same problem for each of the first names that have it, and the rows of all other names together,
-/// so that neither memory nor the number of findings grows with the database.
+/// Counts rows with the same problem for each of the first names that have it, and the rows of all other names
+/// together, so that neither memory nor the number of findings grows with the database.
 struct CountByName {
     static constexpr std::size_t mostNames = 20;
 

@@ -29,8 +29,8 @@ bool LeavesValues(const CheckedCondition& condition)
 
 bool SeemsToMeanEverything(const std::string& resource)
 {
-    constexpr std::array<std::string_view, 13> words = {"*", "%", "**", "%%", "*.*", ".*", "*:*", "all", "any", "null",
-                                                        "<null>", "(null)", "everything"};
+    constexpr std::array<std::string_view, 13> words = {"*",   "%",   "**",   "%%",     "*.*",    ".*",        "*:*",
+                                                        "all", "any", "null", "<null>", "(null)", "everything"};
     return std::find(words.begin(), words.end(), Appearance(resource)) != words.end();
 }
 
@@ -95,7 +95,11 @@ void GrantCheck::CheckMeaning(const std::string& resource, const SECM_Grant& gra
         misspeltOwn.Add(row);
     } else if (SeemsToMeanEverything(resource)) {
         // Not a value that records have: another template compares with it, or a values function knows it.
+        // AC056 is about a wildcard in a pattern.
+        const bool isWildcard = std::any_of(substitutions.begin(), substitutions.end(),
+                                            [](const SubstitutionCheck& each) { return each.IsPattern(); });
         const bool isValue =
+            isWildcard ||
             std::any_of(definition.conditions.begin(), definition.conditions.end(), [&](const CheckedCondition& each) {
                 return each.rule->isMapped || each.Has("'" + resource + "'") || each.Has('"' + resource + '"');
             });
@@ -131,15 +135,15 @@ void GrantCheck::Everything(FindingSink& shared) const
     };
     if (empty.count != 0) {
         shared.Warn("AC055", SecurityPlace(),
-                    fmt::format("resource is the empty text, which is not NULL, in {} of '{}'", empty.InWords("grant"),
-                                field.permissionName),
+                    fmt::format("resource is the empty text, which is not NULL, in {}",
+                                empty.InWords("grant", fmt::format(" of '{}'", field.permissionName))),
                     "an empty resource is dropped: users who have no other grant get the hide-all filter",
                     remedy("else write the resource, or delete them"));
     }
     if (everything.count != 0) {
         shared.Warn("AC055", SecurityPlace(),
-                    fmt::format("resource seems to stand for everything in {} of '{}'", everything.InWords("grant"),
-                                field.permissionName),
+                    fmt::format("resource seems to stand for everything in {}",
+                                everything.InWords("grant", fmt::format(" of '{}'", field.permissionName))),
                     "it is a value like any other: users see only records that have this very text",
                     remedy("if records have this text, this is no mistake"));
     }
@@ -149,8 +153,8 @@ void GrantCheck::MisspeltOwnValues(FindingSink& shared) const
 {
     if (misspeltOwn.count != 0) {
         shared.Warn("AC089", SecurityPlace(),
-                    fmt::format("resource is nearly %my% in {} of '{}'", misspeltOwn.InWords("grant"),
-                                field.permissionName),
+                    fmt::format("resource is nearly %my% in {}",
+                                misspeltOwn.InWords("grant", fmt::format(" of '{}'", field.permissionName))),
                     "no attribute of the user takes its place: users see only records that have this very text",
                     "set resource to '%my%', in small letters and without blanks, in security_permission");
     }

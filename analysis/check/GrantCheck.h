@@ -39,11 +39,11 @@ private:
     std::vector<SubstitutionCheck> substitutions;
     const CheckedCondition* leavingValues; // the first that keeps %values% when "%my%" is granted; null: none does
     const CheckedCondition* leavingTokens; // the first that keeps its tokens when anything else is granted; likewise
-    FirstAndCount own; // grants of "%my%"
+    FirstAndCount own;                     // grants of "%my%"
     FirstAndCount others;
     FirstAndCount everything; // resources that seem to stand for everything
     FirstAndCount empty;
-    FirstAndCount misspeltOwn; // resources that are nearly "%my%"
+    FirstAndCount misspeltOwn;                     // resources that are nearly "%my%"
     std::map<std::string, FirstAndCount> misspelt; // by permission
 };
 

@@ -9,11 +9,11 @@ namespace secm::analysis {
 void GrantRowCheck::Check(const SECM_GrantRow& row)
 {
     if (!row.fault.empty()) {
-        refused.Add(fmt::format("{}: {}, granted to the {} '{}'", PositionOf(row.grant), row.fault, row.granteeType,
-                                row.grant.grantee));
+        refused.Add(fmt::format("{}, granted to the {} '{}': {}", PositionOf(row.grant), row.granteeType,
+                                row.grant.grantee, row.fault));
     } else if (row.grant.permission.value() == 0) {
-        withoutBits.Add(fmt::format("{}, granted to the {} '{}'", PositionOf(row.grant), row.granteeType,
-                                    row.grant.grantee));
+        withoutBits.Add(
+            fmt::format("{}, granted to the {} '{}'", PositionOf(row.grant), row.granteeType, row.grant.grantee));
     }
     if (row.isOddlyConditional) {
         oddlyConditional.Add(PositionOf(row.grant));
@@ -23,8 +23,7 @@ void GrantRowCheck::Check(const SECM_GrantRow& row)
 void GrantRowCheck::Report(FindingSink& sink) const
 {
     if (refused.count != 0) {
-        sink.Error("AC059", SecurityPlace(),
-                   refused.InWords("row", " of security_permission cannot be used"),
+        sink.Error("AC059", SecurityPlace(), refused.InWords("row", " of security_permission cannot be used"),
                    "no filter is composed for users to whom such a row is granted: their requests fail",
                    "set permission_value to a whole number from 0 to 4294967295, and texts without NUL bytes, in these "
                    "rows; or delete them");

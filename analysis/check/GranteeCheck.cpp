@@ -1,11 +1,14 @@
 #include "analysis/check/GranteeCheck.h"
 
 #include "analysis/check/GrantRow.h"
+#include "analysis/check/MisspeltName.h"
 #include "analysis/check/TextAppearance.h"
 #include "platform/security_manager/SECM_Constants.h"
 
 #include <fmt/core.h>
 
+#include <algorithm>
+#include <string>
 #include <vector>
 
 namespace secm::analysis {
@@ -48,7 +51,11 @@ void GranteeCheck::Check(const SECM_GrantRow& row)
 void GranteeCheck::CheckGrantee(const SECM_Grant& grant)
 {
     const bool isUser = known.FindUser(grant.grantee).has_value();
-    const bool isGroup = known.FindGroup(grant.grantee).has_value();
+    const auto group = known.FindGroup(grant.grantee);
+    const bool isGroup = group.has_value();
+    if (isGroup && grant.isToGroup) {
+        grantedGroups.insert(*group);
+    }
     if (isUser && isGroup) {
         ofBothTypes.Add(grant.grantee, PositionOf(grant));
     } else if (grant.isToGroup && known.KnowsGroups() && !isGroup) {
@@ -73,6 +80,7 @@ void GranteeCheck::Report(FindingSink& sink) const
     AttributesOfAbsentUsers(sink);
     SameNames(sink);
     ReservedNames(sink);
+    MisspeltGroups(sink);
 }
 
 void GranteeCheck::AbsentUsers(FindingSink& sink) const
@@ -81,16 +89,16 @@ void GranteeCheck::AbsentUsers(FindingSink& sink) const
     const std::vector<std::string> users = absentUsers.names.empty() ? std::vector<std::string>() : known.UserNames();
     for (const auto& [name, grants] : absentUsers.names) {
         sink.Warn("AC052", SecurityPlace(),
-                  fmt::format("there is no user '{}', to whom {} is made in {}", name, grants.InWords("grant"),
-                              grantTable),
+                  fmt::format("there is no user '{}', but {} has {}", name, grantTable,
+                              grants.InWords("grant", " to this name")),
                   effect,
                   WriteInstead(ProbablyMeant(name, users), "grantee", grantTable, GrantsTo("user", name)) +
                       "delete these rows, or add the user to security_user");
     }
     if (absentUsers.others.count != 0) {
         sink.Warn("AC052", SecurityPlace(),
-                  fmt::format("there are more users who do not exist, to whom {} is made in {}",
-                              absentUsers.others.InWords("grant"), grantTable),
+                  fmt::format("{} has {}", grantTable,
+                              absentUsers.others.InWords("grant", " to other users who do not exist")),
                   effect, "delete the rows with grantee_type = 'user' whose grantee is not in security_user");
     }
 }
@@ -102,16 +110,16 @@ void GranteeCheck::AbsentGroups(FindingSink& sink) const
         absentGroups.names.empty() ? std::vector<std::string>() : known.GroupNames();
     for (const auto& [name, grants] : absentGroups.names) {
         sink.Warn("AC053", SecurityPlace(),
-                  fmt::format("no user is in the group '{}', to which {} is made in {}", name, grants.InWords("grant"),
-                              grantTable),
+                  fmt::format("no user is in the group '{}', but {} has {}", name, grantTable,
+                              grants.InWords("grant", " to this group")),
                   effect,
                   WriteInstead(ProbablyMeant(name, groups), "grantee", grantTable, GrantsTo("group", name)) +
                       "delete these rows, or put users into the group in security_user.group_name");
     }
     if (absentGroups.others.count != 0) {
         sink.Warn("AC053", SecurityPlace(),
-                  fmt::format("there are more groups without users, to which {} is made in {}",
-                              absentGroups.others.InWords("grant"), grantTable),
+                  fmt::format("{} has {}", grantTable,
+                              absentGroups.others.InWords("grant", " to other groups without users")),
                   effect, "delete the rows with grantee_type = 'group' whose grantee is no security_user.group_name");
     }
 }
@@ -121,8 +129,8 @@ void GranteeCheck::WrongTypes(FindingSink& sink) const
     const auto report = [&](const CountByName& grants, const char* type, const char* right) {
         for (const auto& [name, rows] : grants.names) {
             sink.Warn("AC054", SecurityPlace(),
-                      fmt::format("'{}' is a {} and no {}, but grantee_type is '{}' in {} of {}", name, right, type,
-                                  type, rows.InWords("row"), grantTable),
+                      fmt::format("'{}' is a {} and no {}, but grantee_type is '{}' in {}", name, right, type, type,
+                                  rows.InWords("row", fmt::format(" of {}", grantTable))),
                       fmt::format("the {} '{}' does not have these grants", right, name),
                       fmt::format("set grantee_type to '{}' in {} where {}", right, grantTable, GrantsTo(type, name)));
         }
@@ -131,8 +139,8 @@ void GranteeCheck::WrongTypes(FindingSink& sink) const
     report(usersAsGroups, "group", "user");
     for (const auto& [type, rows] : unknownTypes.names) {
         sink.Warn("AC054", SecurityPlace(),
-                  fmt::format("grantee_type is '{}', which is neither 'user' nor 'group', in {} of {}", type,
-                              rows.InWords("row"), grantTable),
+                  fmt::format("grantee_type is '{}', which is neither 'user' nor 'group', in {}", type,
+                              rows.InWords("row", fmt::format(" of {}", grantTable))),
                   "nobody has these grants", "write 'user' or 'group', in small letters and without blanks");
     }
 }
@@ -142,18 +150,18 @@ void GranteeCheck::AttributesOfAbsentUsers(FindingSink& sink) const
     const std::vector<std::string> users = absentOwners.names.empty() ? std::vector<std::string>() : known.UserNames();
     for (const auto& [name, attributes] : absentOwners.names) {
         const std::string key = fmt::format("user_name = '{}'", name);
-        sink.Warn("AC082", SecurityPlace(),
-                  fmt::format("there is no user '{}', who has {} in security_attribute", name,
-                              attributes.InWords("attribute")),
-                  "nobody has them now; a user who is added with this name later will have them at once",
-                  WriteInstead(ProbablyMeant(name, users), "user_name", "security_attribute", key) +
-                      fmt::format("delete the rows of security_attribute where {}, or add the user to security_user",
-                                  key));
+        sink.Warn(
+            "AC082", SecurityPlace(),
+            fmt::format("there is no user '{}', but security_attribute has {}", name,
+                        attributes.InWords("attribute", " of this name")),
+            "nobody has them now; a user who is added with this name later will have them at once",
+            WriteInstead(ProbablyMeant(name, users), "user_name", "security_attribute", key) +
+                fmt::format("delete the rows of security_attribute where {}, or add the user to security_user", key));
     }
     if (absentOwners.others.count != 0) {
         sink.Warn("AC082", SecurityPlace(),
-                  fmt::format("there are more users who do not exist, who have {} in security_attribute",
-                              absentOwners.others.InWords("attribute")),
+                  fmt::format("security_attribute has {}",
+                              absentOwners.others.InWords("attribute", " of other users who do not exist")),
                   "nobody has them now; users who are added with these names later will have them at once",
                   "delete the rows of security_attribute whose user_name is not in security_user");
     }
@@ -163,8 +171,8 @@ void GranteeCheck::SameNames(FindingSink& sink) const
 {
     for (const auto& [name, grants] : ofBothTypes.names) {
         sink.Warn("AC091", SecurityPlace(),
-                  fmt::format("a user and a group are both named '{}', and {} is made to this name in {}", name,
-                              grants.InWords("grant"), grantTable),
+                  fmt::format("a user and a group are both named '{}', and {} has {}", name, grantTable,
+                              grants.InWords("grant", " to this name")),
                   "only grantee_type decides whether one user or all users of the group have them: a mix-up is not "
                   "noticed",
                   "give the group another name, in security_user.group_name and in the grants");
@@ -175,12 +183,42 @@ void GranteeCheck::ReservedNames(FindingSink& sink) const
 {
     for (const auto& [name, grants] : reserved.names) {
         sink.Warn("AC092", SecurityPlace(),
-                  fmt::format("grantee is {} in {} of {}", name.empty() ? "empty" : fmt::format("'{}'", name),
-                              grants.InWords("row"), grantTable),
-                  name.empty() ? "an empty name is no group, and no user should have it: the grants reach nobody who "
-                                 "was meant"
-                               : "hosts send this name at log-in for the user's own group, so no group can have it",
+                  fmt::format("grantee is {} in {}", name.empty() ? "empty" : fmt::format("'{}'", name),
+                              grants.InWords("row", fmt::format(" of {}", grantTable))),
+                  name.empty() ? "the grants reach nobody: an empty name is no group, and users have names"
+                               : "the grants reach nobody: hosts send this name at log-in for the user's own group, so "
+                                 "no group can have it",
                   "write the name of the user or the group who is to have the grants, or delete these rows");
+    }
+}
+
+// A group of users to whom all is granted one by one has no grants either, so only a name near another is a mistake.
+// Where many groups have no grants, groups have another purpose, and comparing all names would take long.
+void GranteeCheck::MisspeltGroups(FindingSink& sink) const
+{
+    constexpr std::size_t mostGroups = 100;
+    if (known.GroupCount() - grantedGroups.size() > mostGroups) {
+        return;
+    }
+    for (UserDirectory::Number group = 0; group < known.GroupCount(); ++group) {
+        if (grantedGroups.count(group) != 0) {
+            continue;
+        }
+        const std::string& name = known.GroupName(group);
+        const auto meant = std::find_if(grantedGroups.begin(), grantedGroups.end(), [&](UserDirectory::Number other) {
+            const std::string& right = known.GroupName(other);
+            return IsMisspelt(name, right) && Appearance(name) != Appearance(right); // AC083 is about these
+        });
+        if (meant != grantedGroups.end()) {
+            const std::string& right = known.GroupName(*meant);
+            sink.Warn("AC095", SecurityPlace(),
+                      fmt::format("nothing is granted to the group '{}', which is nearly '{}'; its first user is '{}'",
+                                  name, right, *known.Users()[known.FirstMembers()[group]].name),
+                      fmt::format("users of this group lack what is granted to the group '{}'", right),
+                      fmt::format("set group_name to '{}' in security_user where group_name = '{}'; or, if these are "
+                                  "two groups, grant the one what its users need",
+                                  right, name));
+        }
     }
 }
 

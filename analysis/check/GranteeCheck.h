@@ -28,8 +28,10 @@ private:
     void AttributesOfAbsentUsers(FindingSink& sink) const;
     void SameNames(FindingSink& sink) const;
     void ReservedNames(FindingSink& sink) const;
+    void MisspeltGroups(FindingSink& sink) const;
 
     const UserDirectory& known;
+    std::set<UserDirectory::Number> grantedGroups;
     CountByName absentUsers;
     CountByName absentGroups;
     CountByName groupsAsUsers; // grants with grantee_type 'user' to names that only groups have

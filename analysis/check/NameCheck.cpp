@@ -35,13 +35,14 @@ void NamesAlike(const char* noun, std::size_t count, const NameOf& nameOf, Findi
         }
     }
     if (pairs.count != 0) {
-        sink.Warn("AC083", SecurityPlace(),
-                  fmt::format("two {}s differ only by letter case, blanks or characters that look alike: {}", noun,
-                              pairs.InWords("pair")),
-                  "they are different to the security manager: the one has none of the other's grants, and people who "
-                  "grant or log in take one for the other",
-                  fmt::format("if they are the same {}, keep one name and delete the rows of the other; else rename one",
-                              noun));
+        sink.Warn(
+            "AC083", SecurityPlace(),
+            fmt::format("the names of {}s differ only by letter case, blanks or characters that look alike in {}", noun,
+                        pairs.InWords("pair")),
+            "they are different to the security manager: the one has none of the other's grants, and people who "
+            "grant or log in take one for the other",
+            fmt::format("if they are the same {}, keep one name and delete the rows of the other; else rename one",
+                        noun));
     }
 }
 
@@ -51,9 +52,9 @@ void NameCheck::Check(const SECM_Member& member)
 {
     const std::string row = fmt::format("that of the user '{}'", member.userName);
     if (member.userName.empty() || member.groupName == platform::noGroup) {
-        reservedNames.Add(member.userName.empty() ? "an empty user_name" : row);
+        reservedNames.Add(row);
     }
-    CheckText("security_user.user_name", member.userName, "");
+    CheckText("security_user.user_name", member.userName, "that of a user");
     CheckText("security_user.group_name", member.groupName.value_or(""), row);
 }
 
@@ -81,26 +82,25 @@ void NameCheck::CheckText(const char* column, const std::string& text, const std
     FlawedTexts& found = flaws[{column, flaw}];
     if (found.texts.count == 0) {
         const std::string cleaned = Cleaned(text);
-        found.remedy = cleaned != text ? fmt::format("set {} to '{}' there", column, cleaned)
+        found.remedy = cleaned != text ? fmt::format("set {} to '{}' in this row", column, cleaned)
                                        : "type it again, with ordinary blanks and letters of one alphabet";
     }
-    found.texts.Add(row.empty() ? fmt::format("'{}'", text) : fmt::format("{}, '{}'", row, text));
+    found.texts.Add(fmt::format("{}, which is '{}'", row, text));
 }
 
 void NameCheck::Report(const UserDirectory& directory, FindingSink& sink) const
 {
     for (const auto& [place, found] : flaws) {
         sink.Warn("AC057", SecurityPlace(),
-                  fmt::format("{} is in {}", place.second,
-                              found.texts.InWords("text", fmt::format(" of {}", place.first))),
+                  fmt::format("{} has {} in {}", place.first, place.second, found.texts.InWords("row")),
                   "it looks like the text without it, but is another: it matches no grant, no attribute and no record "
                   "that has the text without it",
                   found.remedy + (found.texts.count > 1 ? "; correct the others alike" : ""));
     }
     if (reservedNames.count != 0) {
         sink.Warn("AC092", SecurityPlace(),
-                  fmt::format("{} in security_user, whose user_name is empty or whose group_name is '{}'",
-                              reservedNames.InWords("row"), platform::noGroup),
+                  fmt::format("user_name is empty, or group_name is '{}', in {}", platform::noGroup,
+                              reservedNames.InWords("row", " of security_user")),
                   "hosts that do not know their user send the empty name, and send this group for the user's own "
                   "group: what is granted to either may reach people who were not meant",
                   "give the user a name and a group of another name, or delete the row");

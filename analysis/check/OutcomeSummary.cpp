@@ -17,7 +17,8 @@ std::string WhyUnrestricted(const Trace& trace)
     std::string reason;
     for (const FieldTrace& field : trace.fields) {
         if (RestrictsNothing(field)) {
-            reason += (reason.empty() ? "" : "; ") + ("the conditions of the field '" + field.rule->name + "' add nothing");
+            reason +=
+                (reason.empty() ? "" : "; ") + ("the conditions of the field '" + field.rule->name + "' add nothing");
         }
     }
     if (!reason.empty()) {

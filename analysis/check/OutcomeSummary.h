@@ -21,8 +21,8 @@ struct SECM_ANALYSIS_EXPORT UsersOfOutcome {
     std::vector<std::string> first; ///< The names of the first users, at most OutcomeSummary::mostNames.
 };
 
-/// Counts the users whom one repository shows everything or nothing. Keeps neither traces nor more than the first names.
-/// One thread at a time.
+/// Counts the users whom one repository shows everything or nothing. Keeps neither traces nor more than the first
+/// names. One thread at a time.
 class SECM_ANALYSIS_EXPORT OutcomeSummary {
 public:
     static constexpr std::size_t mostNames = 5;

@@ -1,5 +1,6 @@
 #include "analysis/check/RepeatedGrantCheck.h"
 
+#include "SECM_AccessControl/TemplateLanguage.h"
 #include "analysis/check/GrantRow.h"
 #include "analysis/check/TextAppearance.h"
 
@@ -35,8 +36,10 @@ void RepeatedGrantCheck::Check(const SECM_Grant& grant, std::size_t permission)
     rows.push_back({HashOf((grant.isToGroup ? "group " : "user ") + grant.grantee, permission), resourceHash,
                     grant.position, bits, resource == nullptr, grant.permission.IsConditional(),
                     asked.HeldBy(permission, bits) != 0});
-    // A values function knows only one of two codes that look alike, and AC049, AC050 and AC058 are about the other.
-    if (resource != nullptr && !asked.At(permission).isMapped) {
+    // AC057 and AC089 are about some of these texts. A values function knows only one of two codes that look alike, and
+    // AC049, AC050 and AC058 are about the other.
+    if (resource != nullptr && !asked.At(permission).isMapped && Appearance(resource) != ownValue &&
+        HiddenFlaw(resource).empty()) {
         CompareAppearance(grant, permission, resourceHash);
     }
 }
@@ -89,25 +92,23 @@ void RepeatedGrantCheck::Report(FindingSink& sink)
     FirstAndCount repeated;
     FirstAndCount otherBits;
     for (auto first = rows.cbegin(); first != rows.cend();) {
-        const auto end = EndOfEqual(first, rows.cend(), [](const Row& one, const Row& other) {
-            return one.granteeHash == other.granteeHash;
-        });
+        const auto end = EndOfEqual(
+            first, rows.cend(), [](const Row& one, const Row& other) { return one.granteeHash == other.granteeHash; });
         FindRepeated(first, end, repeated);
         FindOtherBits(first, end, otherBits);
         first = end;
     }
     if (otherBits.count != 0) {
         sink.Warn("AC080", SecurityPlace(),
-                  fmt::format("no field asks for the bits of permission_value alone that stand in {}",
+                  fmt::format("permission_value has no bits for a field, unlike other rows of the same grantee, in {}",
                               otherBits.InWords("row", " of security_permission")),
-                  "the users do not see the records of these resources; they see those of other resources, which are "
-                  "granted with the bits that a field asks for",
+                  "the row has no effect: the users see the records of their other resources, and not of this one",
                   "set permission_value to what the user's other rows of this permission have, or delete the row");
     }
     if (alike.count != 0) {
         sink.Warn("AC084", SecurityPlace(),
-                  fmt::format("resources of one permission differ only by letter case, blanks or characters that look "
-                              "alike in {}",
+                  fmt::format("resource differs only by letter case, blanks or characters that look alike from another "
+                              "of the same permission in {}",
                               alike.InWords("row", " of security_permission")),
                   "they are different values in the filter: where records hold only one of them, users who are granted "
                   "the other do not see these records",
@@ -115,8 +116,7 @@ void RepeatedGrantCheck::Report(FindingSink& sink)
     }
     if (repeated.count != 0) {
         sink.Warn("AC086", SecurityPlace(),
-                  fmt::format("the same grant is made again in {}",
-                              repeated.InWords("row", " of security_permission")),
+                  fmt::format("the same grant is made again in {}", repeated.InWords("row", " of security_permission")),
                   "nobody sees more by it, but who takes back one of the grants leaves the other in force",
                   "delete the row that repeats another");
     }

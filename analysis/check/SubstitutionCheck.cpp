@@ -331,12 +331,12 @@ void SubstitutionCheck::EmptyTexts(FindingSink& sink) const
 void SubstitutionCheck::Wildcards(FindingSink& sink) const
 {
     if (wildcards.count != 0) {
-        sink.Error("AC056", scope.PlaceOf("condition"),
-                   fmt::format("a wildcard alone stands for {}, which is a pattern, in {}", placeholder,
-                               InWords(wildcards)),
-                   "it matches every text: the field does not restrict users who have them",
-                   "if they are to see everything, set resource to NULL (without quotes) in security_permission; else "
-                   "write the value that was meant");
+        sink.Error(
+            "AC056", scope.PlaceOf("condition"),
+            fmt::format("a wildcard alone stands for {}, which is a pattern, in {}", placeholder, InWords(wildcards)),
+            "it matches every text: the field does not restrict users who have them",
+            "if they are to see everything, set resource to NULL (without quotes) in security_permission; else "
+            "write the value that was meant");
     }
 }
 
@@ -344,13 +344,14 @@ void SubstitutionCheck::UnknownSites(FindingSink& sink) const
 {
     if (unknownSites.count != 0) {
         const std::string meant = ProbablyMeant(firstUnknownSite, *lookedUp);
-        sink.Error("AC058", scope.PlaceOf("condition"),
-                   fmt::format("a site that is not configured is in {}", InWords(unknownSites)),
-                   "SiteIdToIssuer gives the issuer of all sites for it: users who have them see the records of that "
-                   "issuer, which nobody granted them",
-                   fmt::format("{}add the site as [zarvona.system.sites.SITE], or correct or delete the row{}",
-                               meant.empty() ? "" : fmt::format("did you mean '{}'? else ", meant),
-                               firstUnknownSite == ownValue ? "; for %my%, name the users' attribute in my_field" : ""));
+        sink.Error(
+            "AC058", scope.PlaceOf("condition"),
+            fmt::format("a site that is not configured is in {}", InWords(unknownSites)),
+            "SiteIdToIssuer gives the issuer of all sites for it: users who have them see the records of that "
+            "issuer, which nobody granted them",
+            fmt::format("{}add the site as [zarvona.system.sites.SITE], or correct or delete the row{}",
+                        meant.empty() ? "" : fmt::format("did you mean '{}'? else ", meant),
+                        firstUnknownSite == ownValue ? "; for %my%, name the users' attribute in my_field" : ""));
     }
 }
 

@@ -25,6 +25,8 @@ public:
     void CheckLacking(const std::string& userName) { lacking.Add(userName); }
     /// An empty text leaves a comparison with the empty text, rather than a pattern or nothing at all.
     bool AllowsEmptyText() const { return isUsed && !matchesEverything && !isUnquoted; }
+    /// A wildcard in the text matches more than itself.
+    bool IsPattern() const { return isPattern; }
     /// One finding for each kind of problem, however many texts have it.
     void Report(FindingSink& sink) const;
 

@@ -52,7 +52,8 @@ constexpr std::array<std::pair<ucs4_t, char>, 49> lookalikes = {{
 
 bool IsAscii(std::string_view text)
 {
-    return std::all_of(text.begin(), text.end(), [](char character) { return static_cast<signed char>(character) >= 0; });
+    return std::all_of(text.begin(), text.end(),
+                       [](char character) { return static_cast<signed char>(character) >= 0; });
 }
 
 bool IsBlank(ucs4_t character)

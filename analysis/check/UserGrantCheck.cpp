@@ -82,18 +82,23 @@ void UserGrantCheck::Check(const SECM_Grant& grant, std::size_t permission)
     const Row row{grant.position, grant.permission.value()};
     if (ResourceOf(grant) == nullptr) {
         of.outrightBits |= row.bits;
-        of.outright = of.outright.value_or(row);
+        if (row.bits != 0 || asked.HeldBy(permission, 0) != 0) {
+            of.outright = of.outright.value_or(row);
+        }
         return;
     }
     const AskedPermissions::ValueSet values = asked.HeldBy(permission, row.bits);
-    if (values == 0) {
+    if (values == 0 && row.bits != 0) { // AC087 is about one without bits
         of.other = of.other.value_or(row);
+    }
+    if (values == 0) {
         return;
     }
     of.resource = of.resource.value_or(row);
     of.values |= values;
     if (ResourceOf(grant) == ownValue) {
         of.ownValues |= values;
+        of.own = of.own.value_or(row);
         ++of.ownCount;
     } else if (*ResourceOf(grant) != '\0') {
         ++of.otherCount;
@@ -137,8 +142,8 @@ void UserGrantCheck::Consider(UserDirectory::Number user, Field& field) const
     const bool isGranted = isHeldOutright || ((own.values | ofGroup.values) & field.value) != 0;
     field.isGranted = field.isGranted || isGranted;
     if (!isGranted) {
-        for (const auto& row : {own.other, own.resource, own.outright, ofGroup.other, ofGroup.resource,
-                                ofGroup.outright}) {
+        for (const auto& row :
+             {own.other, own.resource, own.outright, ofGroup.other, ofGroup.resource, ofGroup.outright}) {
             if (row) {
                 field.nearMisses.Add(fmt::format("'{}', by the row at position {} with {}", *known.Users()[user].name,
                                                  row->position, row->bits));
@@ -183,7 +188,10 @@ void UserGrantCheck::ConsiderOwnValue(UserDirectory::Number user, const Held& ow
         return;
     }
     if (!field.tokens.empty() && own.ownCount + ofGroup.ownCount > 1) {
-        field.ownTwice.Add(name);
+        field.ownTwice.Add(own.own && ofGroup.own ? fmt::format("{}: at position {}, and to the group at position {}",
+                                                                name, own.own->position, ofGroup.own->position)
+                                                  : fmt::format("{}: at position {} and later", name,
+                                                                (own.own ? own.own : ofGroup.own)->position));
         return;
     }
     for (Token& token : field.tokens) {
@@ -217,19 +225,19 @@ void UserGrantCheck::ReportPermission(const Field& field, FindingSink& sink)
     const CFG_Place& place = field.definition.table.PlaceOf("permission_name");
     if (field.isGranted && field.nearMisses.count != 0) { // AC040 is about a permission that nobody is granted
         sink.Warn("AC081", place,
-                  fmt::format("'{}' is granted with other bits than all of permission_value {} to {}",
+                  fmt::format("'{}' is granted, but not with all bits of permission_value {}, to {}",
                               rule.permissionName, rule.permissionValue, field.nearMisses.InWords("user")),
-                  "the grants do not count for the field: these users get the hide-all filter",
-                  field.nearMissRemedy);
+                  "the grants do not count for the field: these users get the hide-all filter", field.nearMissRemedy);
     }
     if (field.useless.count != 0) {
-        sink.Warn("AC085", place,
-                  fmt::format("'{}' is granted outright and also for single resources to {}", rule.permissionName,
-                              field.useless.InWords("user")),
-                  "the grant without a resource wins: the field does not restrict these users, and the resources have no "
-                  "effect",
-                  "write the resource into the row where it is NULL; or, if the users are to see everything, delete the "
-                  "rows with a resource");
+        sink.Warn(
+            "AC085", place,
+            fmt::format("'{}' is granted outright and also for single resources to {}", rule.permissionName,
+                        field.useless.InWords("user")),
+            "the grant without a resource decides: the field does not restrict these users, and the resources have "
+            "no effect",
+            "write the resource into the row where it is NULL; or, if the users are to see everything, delete the "
+            "rows with a resource");
     }
 }
 
@@ -241,10 +249,11 @@ void UserGrantCheck::ReportField(const Field& field, FindingSink& sink) const
         const bool isNamed = field.nearMisses.count != 0;
         sink.Warn("AC040", table.PlaceOf("permission_name"),
                   fmt::format("no user is granted '{}'{}", rule.permissionName,
-                              isNamed ? fmt::format(" with all bits of permission_value {}; it is granted with others to "
-                                                    "{}",
-                                                    rule.permissionValue, field.nearMisses.InWords("user"))
-                                      : ""),
+                              isNamed
+                                  ? fmt::format(" with all bits of permission_value {}; it is granted with others to "
+                                                "{}",
+                                                rule.permissionValue, field.nearMisses.InWords("user"))
+                                  : ""),
                   "every user who is known gets the hide-all filter",
                   isNamed ? "grant these bits in security_permission, or ask for others in permission_value"
                           : "grant it, or write the permission's name as in security_permission.permission_name");
@@ -272,12 +281,13 @@ void UserGrantCheck::ReportField(const Field& field, FindingSink& sink) const
         token.substitution.Report(sink);
     }
     if (field.ownTwice.count != 0) {
-        sink.Error("AC046", table.PlaceOf("permission_name"),
-                   fmt::format("%my% is granted more than once, of the field '{}', which fills in tokens, to {}",
-                               rule.name, field.ownTwice.InWords("user")),
-                   "the tokens stay as they are written in the filters of these users, because tokens are only filled "
-                   "in when %my% is the only value",
-                   "delete one of the rows, of the user or of the user's group");
+        sink.Error(
+            "AC046", table.PlaceOf("permission_name"),
+            fmt::format("%my% of '{}' is granted more than once, and a condition of the field '{}' has tokens, for {}",
+                        rule.permissionName, rule.name, field.ownTwice.InWords("user")),
+            "the tokens stay as they are written in the filters of these users, because tokens are only filled "
+            "in when %my% is the only value",
+            "delete one of the rows, of the user or of the user's group");
     }
 }
 

@@ -20,7 +20,8 @@ namespace secm::analysis {
 
 /// What a user's own grants, those of the user's group and the user's attributes come to together: grants without the
 /// bits that a field asks for, outright grants that make others useless, attributes that are missing. Memory grows with
-/// the users, the groups and the permissions that are asked for, but not with the grants. Its arguments must outlive it.
+/// the users, the groups and the permissions that are asked for, but not with the grants. Its arguments must outlive
+/// it.
 class UserGrantCheck {
 public:
     UserGrantCheck(const std::vector<CheckedRepository>& repositories, const AskedPermissions& permissions,
@@ -39,12 +40,13 @@ private:
 
     // The grants of one permission to one grantee.
     struct Held {
-        std::uint32_t outrightBits = 0; // of all outright grants together
-        std::optional<Row> outright;    // the first
-        std::optional<Row> resource;    // the first with bits that are asked for
-        std::optional<Row> other;       // the first without
+        std::uint32_t outrightBits = 0;           // of all outright grants together
+        std::optional<Row> outright;              // the first
+        std::optional<Row> resource;              // the first with bits that are asked for
+        std::optional<Row> other;                 // the first without
         AskedPermissions::ValueSet values = 0;    // those that grants of any resource satisfy
         AskedPermissions::ValueSet ownValues = 0; // those that grants of "%my%" satisfy
+        std::optional<Row> own;                   // the first of "%my%"
         std::uint32_t ownCount = 0;
         std::uint32_t otherCount = 0; // grants of other resources
     };
@@ -94,9 +96,9 @@ private:
     const AskedPermissions& asked;
     const UserDirectory& known;
     std::vector<Field> fields;
-    std::unordered_map<std::uint64_t, Held> held; // by grantee and permission
+    std::unordered_map<std::uint64_t, Held> held;                      // by grantee and permission
     std::map<std::size_t, AskedPermissions::ValueSet> ofUnknownGroups; // granted to groups that are not listed
-    std::map<std::string, Attribute> attributes;  // those that fields ask for, by name
+    std::map<std::string, Attribute> attributes;                       // those that fields ask for, by name
 };
 
 } // namespace secm::analysis

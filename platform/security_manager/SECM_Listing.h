@@ -20,10 +20,10 @@ struct SECM_Grant {
 
 /// One grant as it is stored, also when requests refuse it or when it reaches nobody.
 struct SECM_GrantRow {
-    SECM_Grant grant;            ///< The texts that can be read. When there is a fault, the permission has no name.
-    std::string fault;           ///< Why every request of a user who is granted it fails; empty: they do not.
-    std::string granteeType;     ///< As stored. Only "user" and "group" reach anybody.
-    bool isOddlyConditional;     ///< is_conditional is neither 0 nor 1; it counts as 1.
+    SECM_Grant grant;        ///< The texts that can be read. When there is a fault, the permission has no name.
+    std::string fault;       ///< Why every request of a user who is granted it fails; empty: they do not.
+    std::string granteeType; ///< As stored. Only "user" and "group" reach anybody.
+    bool isOddlyConditional; ///< is_conditional is neither 0 nor 1; it counts as 1.
 };
 
 /// One user with the group.
