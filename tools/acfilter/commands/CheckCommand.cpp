@@ -57,11 +57,10 @@ std::unique_ptr<SECM_ListingInterface> OpenListing(const HostOptions& host)
 }
 
 // Lets the module answer every user. Many failures in a row are those of the database, which would take their time.
-analysis::OutcomeSummary Summarize(const HostOptions& host, const std::string& repository,
-                                   SECM_ListingInterface& security, Progress& progress)
+analysis::OutcomeSummary Summarize(const HostOptions& host, analysis::Tracer tracer, SECM_ListingInterface& security,
+                                   Progress& progress)
 {
     constexpr unsigned long long mostFailures = 100;
-    analysis::Tracer tracer(repository);
     Connect(tracer, host);
     analysis::OutcomeSummary summary;
     security.ForEachUser([&](const std::string& userName) {
@@ -85,8 +84,9 @@ void AddUsers(const HostOptions& host, const std::vector<std::string>& repositor
         std::any_of(results.findings.begin(), results.findings.end(),
                     [](const analysis::Finding& finding) { return finding.code == "AC059"; });
     Progress progress(false);
-    for (const std::string& repository : repositories) {
-        const analysis::OutcomeSummary summary = Summarize(host, repository, security, progress);
+    for (analysis::Tracer& tracer : analysis::Tracer::OfRepositories(repositories)) {
+        const std::string repository = tracer.Rules().repository;
+        const analysis::OutcomeSummary summary = Summarize(host, std::move(tracer), security, progress);
         if (auto failures = summary.Failures(repository); failures && !failuresAreExplained) {
             results.findings.push_back(std::move(*failures));
         }
