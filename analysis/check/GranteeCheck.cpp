@@ -19,6 +19,9 @@ constexpr const char* grantTable = "security_permission";
 
 std::string WriteInstead(const std::string& meant, const char* column, const char* table, const std::string& key)
 {
+    if (!HiddenFlaw(meant).empty()) { // AC057 is about the name that is meant
+        return "correct the name in security_user that looks like it; else ";
+    }
     return meant.empty() ? ""
                          : fmt::format("did you mean '{}'? then set {} to '{}' in {} where {}; else ", meant, column,
                                        meant, table, key);

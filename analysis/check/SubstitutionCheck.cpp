@@ -289,8 +289,9 @@ void SubstitutionCheck::NoWords(FindingSink& sink) const
                                isCompared ? "a number" : "a word or a number", InWords(noWord)),
                    "the query language reads it as a part of the condition, such as an operator or the name of a "
                    "column: the filters of users who have them break, or show other records than were meant",
-                   fmt::format("write quotes around {} in the template{}, or take it out of them", placeholder,
-                               isToken ? "" : " and into value_multiplicity_delimiter"));
+                   fmt::format("write quotes around {} in the template{}, or correct the {}", placeholder,
+                               isToken ? "" : " and into value_multiplicity_delimiter",
+                               attributeName.empty() ? "grants" : "attributes"));
     }
 }
 

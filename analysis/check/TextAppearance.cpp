@@ -190,11 +190,15 @@ std::string HiddenFlaw(std::string_view text)
     if (found != characters->end()) {
         return fmt::format("the invisible character U+{:04X}", static_cast<std::uint32_t>(*found));
     }
+    const auto nameOf = [](ucs4_t blank) {
+        return blank == ' ' ? std::string("a blank")
+                            : fmt::format("the blank U+{:04X}", static_cast<std::uint32_t>(blank));
+    };
     if (IsBlank(characters->front())) {
-        return "a blank at its start";
+        return nameOf(characters->front()) + " at its start";
     }
     if (IsBlank(characters->back())) {
-        return "a blank at its end";
+        return nameOf(characters->back()) + " at its end";
     }
     if (std::find(characters->begin(), characters->end(), noBreakSpace) != characters->end()) {
         return "the no-break space U+00A0";

@@ -19,8 +19,8 @@ public:
     /// `tried` gives them; nothing is written. Throws what SECM_AccessControlInterface::CreateInstance throws, and
     /// std::runtime_error when the configuration changed meanwhile.
     explicit Tracer(const std::string& repository, WhatIf tried = {});
-    /// Tracers of several repositories, as the constructor makes them, in the order of `repositories`. Lists the tables of
-    /// the configuration once for all.
+    /// Tracers of several repositories, as the constructor makes them, in the order of `repositories`. Lists the tables
+    /// of the configuration once for all.
     static std::vector<Tracer> OfRepositories(const std::vector<std::string>& repositories);
     ~Tracer();
     Tracer(Tracer&& other) noexcept;
