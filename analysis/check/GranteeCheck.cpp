@@ -8,7 +8,9 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <array>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace secm::analysis {
@@ -30,6 +32,21 @@ std::string WriteInstead(const std::string& meant, const char* column, const cha
 std::string GrantsTo(const char* type, const std::string& name)
 {
     return fmt::format("grantee_type = '{}' and grantee = '{}'", type, name);
+}
+
+// The remedy of a grantee that seems to stand for several; empty when it does not.
+template <class Knows>
+std::string ForSeveral(const std::string& grantee, const Knows& knows)
+{
+    const std::vector<std::string> parts = ListedValues(grantee);
+    const auto part = std::find_if(parts.begin(), parts.end(), knows);
+    if (part != parts.end()) {
+        return fmt::format("a row has one grantee: write a row for '{}' and one for each of the others; else ", *part);
+    }
+    constexpr std::array<std::string_view, 6> forAll = {"*", "%", "all", "any", "everyone", "public"};
+    return std::find(forAll.begin(), forAll.end(), Appearance(grantee)) != forAll.end()
+               ? "no name stands for all users: grant to a group that they are in; else "
+               : "";
 }
 
 bool IsReserved(const std::string& name)
@@ -95,7 +112,8 @@ void GranteeCheck::AbsentUsers(FindingSink& sink) const
                   fmt::format("there is no user '{}', but {} has {}", name, grantTable,
                               grants.InWords("grant", " to this name")),
                   effect,
-                  WriteInstead(ProbablyMeant(name, users), "grantee", grantTable, GrantsTo("user", name)) +
+                  ForSeveral(name, [&](const std::string& part) { return known.FindUser(part).has_value(); }) +
+                      WriteInstead(ProbablyMeant(name, users), "grantee", grantTable, GrantsTo("user", name)) +
                       "delete these rows, or add the user to security_user");
     }
     if (absentUsers.others.count != 0) {
@@ -116,7 +134,8 @@ void GranteeCheck::AbsentGroups(FindingSink& sink) const
                   fmt::format("no user is in the group '{}', but {} has {}", name, grantTable,
                               grants.InWords("grant", " to this group")),
                   effect,
-                  WriteInstead(ProbablyMeant(name, groups), "grantee", grantTable, GrantsTo("group", name)) +
+                  ForSeveral(name, [&](const std::string& part) { return known.FindGroup(part).has_value(); }) +
+                      WriteInstead(ProbablyMeant(name, groups), "grantee", grantTable, GrantsTo("group", name)) +
                       "delete these rows, or put users into the group in security_user.group_name");
     }
     if (absentGroups.others.count != 0) {
@@ -208,20 +227,29 @@ void GranteeCheck::MisspeltGroups(FindingSink& sink) const
             continue;
         }
         const std::string& name = known.GroupName(group);
+        const std::vector<std::string> parts = ListedValues(name);
         const auto meant = std::find_if(grantedGroups.begin(), grantedGroups.end(), [&](UserDirectory::Number other) {
             const std::string& right = known.GroupName(other);
-            return IsMisspelt(name, right) && Appearance(name) != Appearance(right); // AC083 is about these
+            return (IsMisspelt(name, right) && Appearance(name) != Appearance(right)) || // AC083 is about these
+                   std::find(parts.begin(), parts.end(), right) != parts.end();
         });
-        if (meant != grantedGroups.end()) {
-            const std::string& right = known.GroupName(*meant);
-            sink.Warn("AC095", SecurityPlace(),
-                      fmt::format("nothing is granted to the group '{}', which is nearly '{}'; its first user is '{}'",
-                                  name, right, *known.Users()[known.FirstMembers()[group]].name),
-                      fmt::format("users of this group lack what is granted to the group '{}'", right),
-                      fmt::format("set group_name to '{}' in security_user where group_name = '{}'; or, if these are "
-                                  "two groups, grant the one what its users need",
-                                  right, name));
+        if (meant == grantedGroups.end()) {
+            continue;
         }
+        const std::string& right = known.GroupName(*meant);
+        const std::string where = fmt::format("in security_user where group_name = '{}'", name);
+        sink.Warn("AC095", SecurityPlace(),
+                  fmt::format("nothing is granted to the group '{}', {} '{}'; its first user is '{}'", name,
+                              parts.empty() ? "which is nearly" : "which names several groups, such as", right,
+                              *known.Users()[known.FirstMembers()[group]].name),
+                  fmt::format("users of this group lack what is granted to the group '{}'", right),
+                  parts.empty()
+                      ? fmt::format("set group_name to '{}' {}; or, if these are two groups, grant the one "
+                                    "what its users need",
+                                    right, where)
+                      : fmt::format("a user has one group: set group_name to one of them {}, or grant to this "
+                                    "group what its users need",
+                                    where));
     }
 }
 

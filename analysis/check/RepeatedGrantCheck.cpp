@@ -52,6 +52,30 @@ void RepeatedGrantCheck::CompareAppearance(const SECM_Grant& grant, std::size_t 
         alike.Add(fmt::format("'{}' at position {}, beside position {}", ResourceOf(grant), grant.position,
                               first->second.position));
     }
+    if (candidates.size() < mostCandidates && !ListedValues(ResourceOf(grant)).empty()) {
+        candidates.push_back({permission, grant.position, ResourceOf(grant)});
+    }
+}
+
+// Names may hold commas, so only a text that has a granted resource between them is reported.
+void RepeatedGrantCheck::FindLists(FindingSink& sink) const
+{
+    FirstAndCount lists;
+    for (const Candidate& candidate : candidates) {
+        const std::vector<std::string> parts = ListedValues(candidate.resource);
+        if (std::any_of(parts.begin(), parts.end(), [&](const std::string& part) {
+                return firstOfAppearance.count(HashOf(Appearance(part), candidate.permission)) != 0;
+            })) {
+            lists.Add(fmt::format("that at position {}, which is '{}'", candidate.position, candidate.resource));
+        }
+    }
+    if (lists.count != 0) {
+        sink.Warn("AC096", SecurityPlace(),
+                  fmt::format("resource seems to list several resources in {}",
+                              lists.InWords("row", " of security_permission")),
+                  "the whole text is one value: users see only records that have this very text",
+                  "write a row for each resource, each with a position of its own");
+    }
 }
 
 void RepeatedGrantCheck::FindRepeated(Rows::const_iterator first, Rows::const_iterator last, FirstAndCount& repeated)
@@ -114,6 +138,7 @@ void RepeatedGrantCheck::Report(FindingSink& sink)
                   "the other do not see these records",
                   "write the resource in both rows as the records have it");
     }
+    FindLists(sink);
     if (repeated.count != 0) {
         sink.Warn("AC086", SecurityPlace(),
                   fmt::format("the same grant is made again in {}", repeated.InWords("row", " of security_permission")),

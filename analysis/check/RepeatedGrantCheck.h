@@ -7,13 +7,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
 namespace secm::analysis {
 
 /// Grants that repeat another one, that lack bits which the grantee has for other resources, or whose resources look
-/// alike. Compares hashes of texts: memory grows by less than 100 bytes with each grant, however long the texts are.
+/// alike or hold those of several others. Compares hashes of texts: memory grows by less than 100 bytes with each
+/// grant, however long the texts are.
 class RepeatedGrantCheck {
 public:
     explicit RepeatedGrantCheck(const AskedPermissions& permissions) : asked(permissions) {}
@@ -39,6 +41,15 @@ private:
         long long position;
     };
 
+    // A resource that may list several.
+    struct Candidate {
+        std::size_t permission;
+        long long position;
+        std::string resource;
+    };
+    static constexpr std::size_t mostCandidates = 1000;
+
+    void FindLists(FindingSink& sink) const;
     void CompareAppearance(const SECM_Grant& grant, std::size_t permission, std::size_t resourceHash);
     // The rows from `first` to `last` have the same grantee and permission.
     static void FindRepeated(Rows::const_iterator first, Rows::const_iterator last, FirstAndCount& repeated);
@@ -47,6 +58,7 @@ private:
     const AskedPermissions& asked;
     Rows rows;
     std::unordered_map<std::size_t, Resource> firstOfAppearance; // by the permission and the appearance
+    std::vector<Candidate> candidates;                           // the first
     FirstAndCount alike;
 };
 

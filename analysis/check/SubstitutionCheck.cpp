@@ -102,6 +102,16 @@ bool IsNumber(std::string_view text, bool maybeNegative)
     return isDigits(text.substr(0, point)) && (point == text.size() || isDigits(text.substr(point + 1)));
 }
 
+// The start of the remedy for a text that a values function does not know.
+std::string Instead(const std::string& text, const std::vector<std::string>& names)
+{
+    if (!ListedValues(text).empty()) {
+        return "a row grants one value: write a row for each; else ";
+    }
+    const std::string meant = ProbablyMeant(text, names);
+    return meant.empty() ? "" : fmt::format("did you mean '{}'? else ", meant);
+}
+
 bool IsWildcard(const std::string& text)
 {
     return text.find_first_not_of("%*_?.^$") == std::string::npos && text.find_first_of("%*") != std::string::npos;
@@ -312,15 +322,15 @@ void SubstitutionCheck::EmptyTexts(FindingSink& sink) const
         }
     };
     if (emptied.count != 0) {
-        const std::string meant = lookedUp != nullptr ? ProbablyMeant(firstEmptied, *lookedUp) : "";
+        const std::string instead = lookedUp != nullptr ? Instead(firstEmptied, *lookedUp) : "";
         const std::string& function = scope.condition.rule->function;
         report(fmt::format("{} the empty text for {}", isToken ? placeholder + " becomes" : function + " gives",
                            InWords(emptied)),
-               isToken ? "write the attribute's value in security_attribute; or delete the row, and add the token to "
-                         "mandatory_fieldsN"
-                       : fmt::format("{}add the value to the table that {} looks it up in, or correct the row{}",
-                                     meant.empty() ? "" : fmt::format("did you mean '{}'? else ", meant), function,
-                                     isOwnEmptied ? "; for %my%, name the users' attribute in my_field" : ""));
+               isToken
+                   ? "write the attribute's value in security_attribute; or delete the row, and add the token to "
+                     "mandatory_fieldsN"
+                   : fmt::format("{}add the value to the table that {} looks it up in, or correct the row{}", instead,
+                                 function, isOwnEmptied ? "; for %my%, name the users' attribute in my_field" : ""));
     }
     if (lacking.count != 0) {
         report(fmt::format("{} becomes the empty text for users who are granted %my% and have no attribute '{}': {}",
@@ -344,14 +354,13 @@ void SubstitutionCheck::Wildcards(FindingSink& sink) const
 void SubstitutionCheck::UnknownSites(FindingSink& sink) const
 {
     if (unknownSites.count != 0) {
-        const std::string meant = ProbablyMeant(firstUnknownSite, *lookedUp);
         sink.Error(
             "AC058", scope.PlaceOf("condition"),
             fmt::format("a site that is not configured is in {}", InWords(unknownSites)),
             "SiteIdToIssuer gives the issuer of all sites for it: users who have them see the records of that "
             "issuer, which nobody granted them",
             fmt::format("{}add the site as [zarvona.system.sites.SITE], or correct or delete the row{}",
-                        meant.empty() ? "" : fmt::format("did you mean '{}'? else ", meant),
+                        Instead(firstUnknownSite, *lookedUp),
                         firstUnknownSite == ownValue ? "; for %my%, name the users' attribute in my_field" : ""));
     }
 }

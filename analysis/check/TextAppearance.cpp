@@ -206,6 +206,22 @@ std::string HiddenFlaw(std::string_view text)
     return MixesAlphabets(*characters) ? "letters of two alphabets in one word" : "";
 }
 
+std::vector<std::string> ListedValues(std::string_view text)
+{
+    constexpr std::string_view separators = ",;|";
+    std::vector<std::string> parts;
+    while (text.find_first_of(separators) != std::string_view::npos) {
+        const std::size_t end = text.find_first_of(separators);
+        parts.push_back(Cleaned(text.substr(0, end)));
+        text.remove_prefix(end + 1);
+    }
+    if (!parts.empty()) {
+        parts.push_back(Cleaned(text));
+    }
+    std::erase(parts, "");
+    return parts;
+}
+
 std::string ProbablyMeant(const std::string& name, const std::vector<std::string>& names)
 {
     const std::string appearance = Appearance(name);

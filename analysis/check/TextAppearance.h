@@ -19,6 +19,10 @@ std::string Cleaned(std::string_view text);
 /// nothing is wrong with it.
 std::string HiddenFlaw(std::string_view text);
 
+/// The parts of a text that seems to list several values between commas, semicolons or bars, without blanks at their
+/// ends; empty when it does not.
+std::vector<std::string> ListedValues(std::string_view text);
+
 /// The one of `names` that looks like `name`, or else the nearest in spelling; empty when there is none.
 std::string ProbablyMeant(const std::string& name, const std::vector<std::string>& names);
 
