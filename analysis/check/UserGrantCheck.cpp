@@ -142,20 +142,7 @@ void UserGrantCheck::Consider(UserDirectory::Number user, Field& field) const
     const bool isGranted = isHeldOutright || ((own.values | ofGroup.values) & field.value) != 0;
     field.isGranted = field.isGranted || isGranted;
     if (!isGranted) {
-        for (const auto& row :
-             {own.other, own.resource, own.outright, ofGroup.other, ofGroup.resource, ofGroup.outright}) {
-            if (row) {
-                field.nearMisses.Add(fmt::format("'{}', by the row at position {} with {}", *known.Users()[user].name,
-                                                 row->position, row->bits));
-                if (field.nearMisses.count == 1) {
-                    field.nearMissRemedy = fmt::format(
-                        "set permission_value to {} in security_permission where position = {}, if the user is to have "
-                        "it; else delete the row",
-                        row->bits | field.definition.rule->permissionValue, row->position);
-                }
-                return;
-            }
-        }
+        AddNearMiss(user, own, ofGroup, field);
         return;
     }
     if (!isHeldOutright) {
@@ -164,12 +151,37 @@ void UserGrantCheck::Consider(UserDirectory::Number user, Field& field) const
     }
     // A user who holds outright what the group has for some resources was probably given more on purpose.
     const bool isOfGroup = ofGroup.outright && isHeldBy(ofGroup.outrightBits);
-    const auto& resource = own.resource ? own.resource : isOfGroup ? ofGroup.resource : own.resource;
+    const auto resourceOf = [&](const Held& of) {
+        return (of.values & field.value) != 0 ? of.resource : std::optional<Row>();
+    };
+    const auto resource = resourceOf(own) || !isOfGroup ? resourceOf(own) : resourceOf(ofGroup);
     if (resource) {
         field.useless.Add(
             fmt::format("'{}': {}, {}", *known.Users()[user].name,
                         RowInWords("outright", (own.outright ? own.outright : ofGroup.outright)->position),
                         RowInWords("for a resource", resource->position)));
+    }
+}
+
+// A user with the bits of another field was probably not meant to have those of this one.
+void UserGrantCheck::AddNearMiss(UserDirectory::Number user, const Held& own, const Held& ofGroup, Field& field) const
+{
+    const bool hasOthersBits = asked.HeldBy(field.permission, own.outrightBits | ofGroup.outrightBits) != 0;
+    const std::optional<Row> none;
+    for (const auto& row :
+         {own.other, hasOthersBits ? none : own.outright, ofGroup.other, hasOthersBits ? none : ofGroup.outright}) {
+        if (!row) {
+            continue;
+        }
+        field.nearMisses.Add(fmt::format("'{}', by the row at position {} with {}", *known.Users()[user].name,
+                                         row->position, row->bits));
+        if (field.nearMisses.count == 1) {
+            field.nearMissRemedy =
+                fmt::format("set permission_value to {} in security_permission where position = {}, if the user is to "
+                            "have it; else delete the row",
+                            row->bits | field.definition.rule->permissionValue, row->position);
+        }
+        return;
     }
 }
 

@@ -89,6 +89,7 @@ private:
 
     void AddField(const CheckedRepository& repository, const CheckedDefinition& definition, ConfiguredNames& names);
     void Consider(UserDirectory::Number user, Field& field) const;
+    void AddNearMiss(UserDirectory::Number user, const Held& own, const Held& ofGroup, Field& field) const;
     void ConsiderOwnValue(UserDirectory::Number user, const Held& own, const Held& ofGroup, Field& field) const;
     static void ReportPermission(const Field& field, FindingSink& sink);
     void ReportField(const Field& field, FindingSink& sink) const;
