@@ -106,8 +106,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     }
 
     std::string line = TakeWritten();
-    const std::string expected = "[" + std::to_string(level) + "] " + function + " (" + source + ":" +
-                                 std::to_string(lineNumber) + ") " + message;
+    const std::string expected = "[" + std::to_string(level) + "] [" + std::to_string(gettid()) + "] " + function +
+                                 " (" + source + ":" + std::to_string(lineNumber) + ") " + message;
     const std::string time = line.substr(0, 25);
     if (level > wantedLevel || !line.ends_with('\n') || !IsTime(time)) {
         Fail("the log holds " + Shown(line) + " for " + Shown(expected));

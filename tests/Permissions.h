@@ -13,4 +13,21 @@ inline PermissionBase PermissionFrom(const std::string& text)
             parts.at(2) == "null" ? nullptr : parts.at(2).c_str(), parts.size() > 3};
 }
 
+/// From such texts between ";".
+inline std::vector<PermissionBase> PermissionsFrom(const std::string& texts)
+{
+    std::vector<PermissionBase> permissions;
+    for (const std::string& text : texts.empty() ? Lines() : Split(texts, ";")) {
+        permissions.push_back(PermissionFrom(text));
+    }
+    return permissions;
+}
+
+inline std::string Shown(const PermissionBase& permission)
+{
+    return std::string(permission.name()) + ":" + std::to_string(permission.value()) + ":" +
+           (permission.resource() != nullptr ? permission.resource() : "null") +
+           (permission.IsConditional() ? ":conditional" : "");
+}
+
 } // namespace secm::testing

@@ -166,11 +166,11 @@ UserChange TraceComparison::Compare(const Trace& old, const Trace& now) const
     } else if (was == Outcome::hideAll && is != Outcome::hideAll) {
         decide(Change::wider, "every record was hidden before");
     } else if (is == Outcome::hideAll && before.hideAllFilter != after.hideAllFilter) {
-        decide(Change::changed, "hide_all_filter is another");
+        decide(Change::changed, "hide_all_filter differs");
     } else if (is == Outcome::hideAll) {
         decide(Change::narrower, "every record is hidden now");
     } else if (was == Outcome::unknownUser && is == Outcome::unknownUser) {
-        decide(Change::changed, "default_filter is another");
+        decide(Change::changed, "default_filter differs");
     } else if (was == Outcome::unknownUser) {
         decide(Change::changed, "the user was not known before");
     } else if (is == Outcome::unknownUser) {
@@ -194,7 +194,7 @@ void TraceComparison::CompareFields(const Trace& old, const Trace& now, UserChan
     }
     if (before.filterDelimiter != after.filterDelimiter && std::max(ClauseCount(old), ClauseCount(now)) > 1) {
         user.change = Change::changed;
-        user.because = "filter_delimiter is another";
+        user.because = "filter_delimiter differs";
     }
     // A clause without parentheses can mean something else in another place.
     if (RestrictingInBoth(old, now) != RestrictingInBoth(now, old)) {
@@ -256,7 +256,7 @@ void TraceComparison::CompareConditions(const FieldTrace& old, const FieldTrace&
         return;
     }
     if (was.text.empty() || is.text.empty()) {
-        return AddTo(field, Change::changed, name + " came out empty " + (is.text.empty() ? "now" : "before"));
+        return AddTo(field, Change::changed, name + (is.text.empty() ? " adds nothing now" : " added nothing before"));
     }
     const std::vector<std::string> valuesBefore = ValuesIn(old, was);
     const std::vector<std::string> valuesNow = ValuesIn(now, is);
@@ -280,11 +280,11 @@ std::string TraceComparison::WhyWrittenOtherwise(const FieldTrace& old, const Fi
 {
     if (!std::equal(old.conditions.begin(), old.conditions.end(), now.conditions.begin(), now.conditions.end(),
                     IsSameTemplate)) {
-        return "its templates or their tokens are others";
+        return "its templates or their tokens differ";
     }
     if (std::max(TextCount(old), TextCount(now)) > 1 &&
         old.rule->conditionsDelimiter != now.rule->conditionsDelimiter) {
-        return "conditions_delimiter is another";
+        return "conditions_delimiter differs";
     }
     const std::size_t countBefore = ValuesOf(old).size();
     const std::size_t countNow = ValuesOf(now).size();
@@ -292,7 +292,7 @@ std::string TraceComparison::WhyWrittenOtherwise(const FieldTrace& old, const Fi
     const bool usesSeveral = countBefore > 1 || countNow > 1;
     if ((usesSingle && before.singleEqualOperator != after.singleEqualOperator) ||
         (usesSeveral && ListSettingsOf(before) != ListSettingsOf(after))) {
-        return "the operators, or what is put around and between values, are others";
+        return "the operators, or the texts around and between values, differ";
     }
     return {};
 }

@@ -11,12 +11,12 @@ std::string WhyHidden(const FieldTrace& field)
     const std::string permission =
         "'" + field.rule->permissionName + "', value " + std::to_string(field.rule->permissionValue) + ",";
     if (!field.resourcesAreTold) {
-        return "the security manager could not tell for which resources " + permission + " is granted";
+        return "the security manager failed to list the resources for which " + permission + " is granted";
     }
     if (field.values.empty()) {
         return permission + " is granted neither outright nor for any resource";
     }
-    return "every resource for which " + permission + " is granted came out empty";
+    return "every resource for which " + permission + " is granted is empty, or becomes empty";
 }
 
 bool IsMandatory(const ConditionRule& rule, const std::string& token)
@@ -46,13 +46,13 @@ std::string WhyEmpty(const ConditionTrace& condition)
         return {};
     }
     if (!condition.userIsTold) {
-        return "the security manager tells nothing of the user";
+        return "the security manager gives no details of the user";
     }
     if (!condition.attributes.empty() && !condition.attributes.back().value &&
         IsMandatory(*condition.rule, "$" + condition.attributes.back().name + "$")) {
         return "the user has no attribute '" + condition.attributes.back().name + "', which is mandatory";
     }
-    return "its text came out empty";
+    return "the filled template is empty";
 }
 
 bool RestrictsNothing(const FieldTrace& field)

@@ -74,6 +74,9 @@ struct Trace {
     std::optional<std::string> groupName; ///< No value: the user is not known, or there are no details of the user.
     std::vector<FieldTrace> fields;       ///< Those that the module asked about, in the order of the rules.
     std::vector<std::shared_ptr<const FieldRule>> notAsked; ///< The later ones, when one hid every record.
+    /// What the fields of `notAsked` would be for this user; only Tracer::ExplainAll fills it. They are no part of the
+    /// answer.
+    std::vector<FieldTrace> later;
 };
 
 /// The values that go into the conditions of the field: those that were not dropped, in their order, with duplicates.

@@ -24,8 +24,9 @@ std::string ClauseOf(const FieldTrace& field)
 
 } // namespace
 
-void TraceRecorder::Begin(const Request& request)
+void TraceRecorder::Begin(const Request& request, std::size_t firstField)
 {
+    first = firstField;
     trace = {};
     trace.repository = rules.repository;
     trace.request = request;
@@ -43,7 +44,7 @@ Trace TraceRecorder::Finish(std::string filter, const WhatIf& tried)
         field.clause = ClauseOf(field);
     }
     if (trace.answer.outcome == Outcome::hideAll) {
-        const auto next = rules.fields.begin() + static_cast<std::ptrdiff_t>(trace.fields.size());
+        const auto next = rules.fields.begin() + static_cast<std::ptrdiff_t>(first + trace.fields.size());
         trace.notAsked.assign(next, rules.fields.end());
     }
     return std::exchange(trace, {});
@@ -74,7 +75,7 @@ void TraceRecorder::AddUser(UserDetailsInterface* user)
 // The module checks the permissions of its fields in their order, each once.
 void TraceRecorder::AddPermission(const PermissionBase& permission, bool isHeld)
 {
-    const std::shared_ptr<const FieldRule>& rule = rules.fields.at(trace.fields.size());
+    const std::shared_ptr<const FieldRule>& rule = rules.fields.at(first + trace.fields.size());
     if (permission.name() != rule->permissionName || permission.value() != rule->permissionValue) {
         throw std::logic_error("the module checks the permission '" + std::string(permission.name()) +
                                "' where that of the field '" + rule->name + "' comes next");

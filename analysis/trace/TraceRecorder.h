@@ -4,6 +4,7 @@
 #include "analysis/definitions/Rules.h"
 #include "analysis/trace/Trace.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,9 @@ public:
     /// `ofRules` must outlive the recorder.
     explicit TraceRecorder(const RepositoryRules& ofRules) : rules(ofRules) {}
 
-    /// Forgets an earlier request, also one that ended in an exception.
-    void Begin(const Request& request);
+    /// Forgets an earlier request, also one that ended in an exception. `firstField` is the index in the rules of the
+    /// first field that the module will ask about.
+    void Begin(const Request& request, std::size_t firstField = 0);
 
     /// The trace of the request since Begin. `filter` is what the request gave.
     Trace Finish(std::string filter, const WhatIf& tried);
@@ -45,6 +47,7 @@ private:
     const RepositoryRules& rules;
     Trace trace;
     std::vector<AttributeTrace> attributes;
+    std::size_t first = 0; // the first field of the trace
     bool isKnown = false;
     bool lacksPermissions = false;
 };

@@ -37,6 +37,10 @@ public:
     /// tried, or when a request would refuse what they grant.
     Trace Explain(const Request& request);
 
+    /// As Explain, and also gives in Trace::later the fields behind one that hides every record. For them the module
+    /// composes once more, from the later fields alone.
+    Trace ExplainAll(const Request& request);
+
     /// The rules that the constructor read. Valid until the tracer is destroyed or assigned to; moving it keeps them.
     const RepositoryRules& Rules() const;
 

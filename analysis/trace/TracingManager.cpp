@@ -1,9 +1,41 @@
 #include "analysis/trace/TracingManager.h"
 
+#include <cstddef>
+#include <iterator>
+#include <memory>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace secm::analysis {
+namespace {
+
+// Leaves a manager the definitions from an index on, until this object is destroyed.
+class LaterDefinitions {
+public:
+    using Definitions = std::vector<std::unique_ptr<FieldDefinition>>;
+
+    LaterDefinitions(Definitions& ofManager, std::size_t first) : definitions(ofManager)
+    {
+        const auto begin = definitions.begin() + static_cast<std::ptrdiff_t>(first);
+        earlier.assign(std::make_move_iterator(definitions.begin()), std::make_move_iterator(begin));
+        definitions.erase(definitions.begin(), begin);
+    }
+    // The definitions have kept their capacity, so this allocates nothing.
+    ~LaterDefinitions()
+    {
+        definitions.insert(definitions.begin(), std::make_move_iterator(earlier.begin()),
+                           std::make_move_iterator(earlier.end()));
+    }
+    LaterDefinitions(const LaterDefinitions&) = delete;
+    LaterDefinitions& operator=(const LaterDefinitions&) = delete;
+
+private:
+    Definitions& definitions;
+    Definitions earlier;
+};
+
+} // namespace
 
 Tracer::TracingManager::TracingManager(const std::string& repository, const DefinitionReader& definitions,
                                        WhatIf triedChanges)
@@ -30,7 +62,7 @@ bool Tracer::TracingManager::InitSecurityConnection(const char* connectionText, 
     return true;
 }
 
-Trace Tracer::TracingManager::Explain(const Request& request)
+Trace Tracer::TracingManager::ExplainFrom(std::size_t firstField, const Request& request)
 {
     if (!tracedSecurityManager) {
         throw std::runtime_error("there is no connection to the security manager; connect the tracer first");
@@ -38,10 +70,27 @@ Trace Tracer::TracingManager::Explain(const Request& request)
     for (WhatIf::Revocation& revocation : tried.revocations) {
         revocation.revoked = 0; // a user who is not known gets no count
     }
-    recorder.Begin(request);
+    tried.isApplied = !tried.grantee;
+    recorder.Begin(request, firstField);
     std::string filter = request.withoutLogin ? GetAccessControlFilter(request.userName)
                                               : GetAccessControlFilter(request.userName, request.ipAddress);
     return recorder.Finish(std::move(filter), tried);
+}
+
+Trace Tracer::TracingManager::ExplainAll(const Request& request)
+{
+    Trace trace = Explain(request);
+    std::size_t asked = trace.fields.size();
+    bool isHidden = trace.answer.outcome == Outcome::hideAll && asked != 0;
+    while (isHidden && asked < fieldDefinitions.size()) {
+        const LaterDefinitions scope(fieldDefinitions, asked);
+        Trace rest = ExplainFrom(asked, request);
+        asked += rest.fields.size();
+        isHidden = rest.answer.outcome == Outcome::hideAll && !rest.fields.empty();
+        trace.later.insert(trace.later.end(), std::make_move_iterator(rest.fields.begin()),
+                           std::make_move_iterator(rest.fields.end()));
+    }
+    return trace;
 }
 
 void Tracer::TracingManager::ReplaceSingleValueForUser(std::string& value, const FieldDefinition& field,
@@ -158,6 +207,11 @@ bool Tracer::Connect(const char* connectionText, unsigned timeoutSeconds)
 Trace Tracer::Explain(const Request& request)
 {
     return manager->Explain(request);
+}
+
+Trace Tracer::ExplainAll(const Request& request)
+{
+    return manager->ExplainAll(request);
 }
 
 const RepositoryRules& Tracer::Rules() const

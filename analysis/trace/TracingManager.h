@@ -7,6 +7,7 @@
 #include "analysis/trace/TracingDecorators.h"
 #include "analysis/trace/WhatIfDecorators.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,7 +20,8 @@ public:
     TracingManager(const std::string& repository, const DefinitionReader& definitions, WhatIf triedChanges);
 
     bool InitSecurityConnection(const char* connectionText, unsigned connectionValue) override;
-    Trace Explain(const Request& request);
+    Trace Explain(const Request& request) { return ExplainFrom(0, request); }
+    Trace ExplainAll(const Request& request);
 
 protected:
     std::string HandleSingleConditionForUser(const ConditionDefinition& condition,
@@ -37,6 +39,8 @@ protected:
                               unsigned permissionValue, std::vector<std::string>& resources) override;
 
 private:
+    Trace ExplainFrom(std::size_t firstField, const Request& request);
+
     bool Holds(PermissionListInterface& list, const PermissionBase& permission) override;
     bool Resources(PermissionListInterface& list, const std::string& permissionName, unsigned permissionValue,
                    std::vector<std::string>& resources) override;

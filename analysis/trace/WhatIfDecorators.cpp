@@ -1,8 +1,10 @@
 #include "analysis/trace/WhatIfDecorators.h"
 
+#include "platform/security_manager/PermissionsInOrder.h"
 #include "platform/security_manager/SECM_CallBackInterface.h"
 #include "platform/security_manager/SECM_Listing.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -40,14 +42,94 @@ bool IsRevokedBy(const std::string& revoked, const PermissionBase& permission)
     return revoked == name || (permission.resource() != nullptr && revoked == name + ":" + permission.resource());
 }
 
+std::string GroupNameOf(UserDetailsInterface& user)
+{
+    std::string groupName;
+    user.GetGroupName(groupName);
+    return groupName;
+}
+
+// Notes in `tried` whether the changes concern this user.
+void Apply(WhatIf& tried, const std::string& userName, const std::string& groupName)
+{
+    tried.isApplied = !tried.grantee || (tried.grantee->isGroup ? !groupName.empty() && tried.grantee->name == groupName
+                                                                : tried.grantee->name == userName);
+    if (tried.isApplied) {
+        RequireAllowed(tried);
+    }
+}
+
+bool IsSame(const PermissionBase& one, const PermissionBase& other)
+{
+    return one == other && one.value() == other.value() && one.IsConditional() == other.IsConditional();
+}
+
+// The permissions of a user with the changes of one of the two who have grants: the user or the group. `ofGrantee` is
+// granted to that one, `ofOther` to the other one.
+std::vector<PermissionBase> WithChangesOf(WhatIf& tried, const std::vector<PermissionBase>& permissions,
+                                          std::vector<PermissionBase> ofGrantee,
+                                          const std::vector<PermissionBase>& ofOther)
+{
+    WhatIf grants = tried;
+    grants.revocations.clear();
+    WhatIf revocations = tried;
+    revocations.grants.clear();
+    static_cast<void>(WithChanges(revocations, ofGrantee)); // counts
+    tried.revocations = revocations.revocations;
+    std::erase_if(ofGrantee, [&](const PermissionBase& permission) { return !IsRevoked(tried, permission); });
+    std::vector<PermissionBase> left;
+    for (const PermissionBase& permission : permissions) {
+        const auto revoked = std::find_if(ofGrantee.begin(), ofGrantee.end(), [&](const PermissionBase& each) {
+            return permission.resource() == nullptr ? each == permission : IsSame(each, permission);
+        });
+        if (revoked == ofGrantee.end()) {
+            left.push_back(permission);
+            continue;
+        }
+        ofGrantee.erase(revoked);
+        // What the two hold outright is one permission, of which the other's part stays.
+        const auto other = std::find(ofOther.begin(), ofOther.end(), permission);
+        if (permission.resource() == nullptr && other != ofOther.end()) {
+            left.push_back(*other);
+        }
+    }
+    return WithChanges(grants, left);
+}
+
+// Reads the permissions of the user and of the group each for itself when only those of one of them change.
+std::unique_ptr<PermissionListInterface> ChangedList(SMADM_Interface& administration, WhatIf& tried,
+                                                     const std::string& groupName, const std::string& userName,
+                                                     const std::vector<PermissionBase>& permissions)
+{
+    if (!tried.grantee) {
+        return std::make_unique<ChangedPermissionList>(WithChanges(tried, permissions));
+    }
+    const std::unique_ptr<PermissionListInterface> ofGroup(administration.GetPermissionList(groupName.c_str(), ""));
+    const std::unique_ptr<PermissionListInterface> ofUser(administration.GetPermissionList("", userName.c_str()));
+    if (!ofGroup || !ofUser) {
+        throw std::runtime_error("the security manager lists no permissions, so no change can be tried");
+    }
+    const auto& [ofGrantee, ofOther] =
+        tried.grantee->isGroup ? std::pair(ofGroup.get(), ofUser.get()) : std::pair(ofUser.get(), ofGroup.get());
+    return std::make_unique<ChangedPermissionList>(
+        WithChangesOf(tried, permissions, *ofGrantee->GetPermissions(), *ofOther->GetPermissions()));
+}
+
 } // namespace
+
+bool IsRevoked(const WhatIf& tried, const PermissionBase& permission)
+{
+    return std::any_of(tried.revocations.begin(), tried.revocations.end(), [&](const WhatIf::Revocation& revocation) {
+        return IsRevokedBy(revocation.permission, permission);
+    });
+}
 
 std::vector<PermissionBase> WithChanges(WhatIf& tried, const std::vector<PermissionBase>& permissions)
 {
     for (WhatIf::Revocation& revocation : tried.revocations) {
         revocation.revoked = 0;
     }
-    std::vector<PermissionBase> applied;
+    platform::PermissionsInOrder applied;
     for (const PermissionBase& permission : permissions) {
         bool isRevoked = false;
         for (WhatIf::Revocation& revocation : tried.revocations) {
@@ -58,17 +140,18 @@ std::vector<PermissionBase> WithChanges(WhatIf& tried, const std::vector<Permiss
             }
         }
         if (!isRevoked) {
-            applied.push_back(permission);
+            applied.Add(permission);
         }
     }
-    applied.insert(applied.end(), tried.grants.begin(), tried.grants.end());
-    return applied;
+    std::for_each(tried.grants.begin(), tried.grants.end(), [&](const PermissionBase& grant) { applied.Add(grant); });
+    return applied.Take();
 }
 
 const char* ChangedDetails::GetAttribute(const char* name)
 {
     const auto changed = tried.attributes.find(std::string_view(name));
-    return changed != tried.attributes.end() ? changed->second.c_str() : original->GetAttribute(name);
+    return tried.isApplied && changed != tried.attributes.end() ? changed->second.c_str()
+                                                                : original->GetAttribute(name);
 }
 
 ChangedSecurityManager::ChangedSecurityManager(SecurityManagerInterface& originalManager,
@@ -95,25 +178,24 @@ bool ChangedSecurityManager::IsLoggedIn(const char* application)
     }
     UserDetailsInterface* user = original.GetUserDetails();
     if (user == nullptr) {
-        throw std::runtime_error("the security manager tells nothing of the user, so no change can be tried");
+        throw std::runtime_error("the security manager gives no details of the user, so no change can be tried");
     }
-    RequireAllowed(tried);
-    if (tried.ChangesPermissions()) {
-        ChangePermissions(*user);
+    const std::string groupName = GroupNameOf(*user);
+    Apply(tried, userName, groupName);
+    if (tried.isApplied && tried.ChangesPermissions()) {
+        ChangePermissions(groupName);
     }
     return true;
 }
 
-void ChangedSecurityManager::ChangePermissions(UserDetailsInterface& user)
+void ChangedSecurityManager::ChangePermissions(const std::string& groupName)
 {
-    std::string groupName;
-    user.GetGroupName(groupName);
     const std::unique_ptr<PermissionListInterface> list(
         administration.GetPermissionList(groupName.c_str(), userName.c_str()));
     if (!list) {
         throw std::runtime_error("the security manager lists no permissions, so no change can be tried");
     }
-    changedPermissions = std::make_unique<ChangedPermissionList>(WithChanges(tried, *list->GetPermissions()));
+    changedPermissions = ChangedList(administration, tried, groupName, userName, *list->GetPermissions());
 }
 
 bool ChangedSecurityManager::Logout()
@@ -146,18 +228,18 @@ ChangedAdministration::ChangedAdministration(SMADM_Interface& originalInterface,
 
 UserDetailsInterface* ChangedAdministration::GetUserDetails(const char* domain, const char* userName)
 {
-    UserDetailsInterface* user = details.For(original.GetUserDetails(domain, userName));
+    UserDetailsInterface* user = original.GetUserDetails(domain, userName);
     if (user != nullptr) {
-        RequireAllowed(tried);
+        Apply(tried, userName, GroupNameOf(*user));
     }
-    return user;
+    return details.For(user);
 }
 
 PermissionListInterface* ChangedAdministration::GetPermissionList(const char* group, const char* user)
 {
     std::unique_ptr<PermissionListInterface> list(original.GetPermissionList(group, user));
-    if (list && tried.ChangesPermissions()) {
-        list = std::make_unique<ChangedPermissionList>(WithChanges(tried, *list->GetPermissions()));
+    if (list && tried.isApplied && tried.ChangesPermissions()) {
+        list = ChangedList(original, tried, group, user, *list->GetPermissions());
     }
     return list.release();
 }

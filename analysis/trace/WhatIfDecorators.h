@@ -11,9 +11,13 @@
 
 namespace secm::analysis {
 
-/// `permissions` without those that are revoked, followed by those that are granted. Sets in `tried` how many each
-/// revocation takes away.
+/// `permissions` without those that are revoked, followed by those that are granted. A grant without a resource adds
+/// its bits to the permission of the same name that is held without a resource, as a security database adds them up.
+/// Sets in `tried` how many each revocation takes away.
 std::vector<PermissionBase> WithChanges(WhatIf& tried, const std::vector<PermissionBase>& permissions);
+
+/// Whether one of the revocations names `permission`.
+bool IsRevoked(const WhatIf& tried, const PermissionBase& permission);
 
 /// Decides from a permission list as the module does for requests by name.
 class ListMatching {
@@ -34,7 +38,7 @@ public:
     const char* GetAttribute(const char* name) override;
 
 private:
-    const WhatIf& tried;
+    const WhatIf& tried; // for this user only while isApplied is set
 };
 
 /// Passes every call on to `original`, apart from questions about the user's attributes and permissions. IsLoggedIn
@@ -53,7 +57,7 @@ public:
     UserDetailsInterface* GetUserDetails() override;
 
 private:
-    void ChangePermissions(UserDetailsInterface& user);
+    void ChangePermissions(const std::string& groupName);
 
     SMADM_Interface& administration; // gives the permissions of the user who is logged in as a list
     ListMatching& matching;

@@ -1,11 +1,11 @@
 -- The security database of the document archive: users, their attributes, and their permissions.
--- Runs unchanged on SQLite and on PostgreSQL.
+-- Runs unchanged on SQLite and on PostgreSQL. The tables are those of schema.sql.
 
 CREATE TABLE security_user (
     user_name   VARCHAR(255) NOT NULL PRIMARY KEY,
     group_name  VARCHAR(255) NOT NULL DEFAULT '');
 CREATE TABLE security_attribute (
-    user_name        VARCHAR(255) NOT NULL REFERENCES security_user,
+    user_name        VARCHAR(255) NOT NULL REFERENCES security_user ON DELETE CASCADE,
     attribute_name   VARCHAR(255) NOT NULL,
     attribute_value  TEXT NOT NULL,
     PRIMARY KEY (user_name, attribute_name));
@@ -14,7 +14,7 @@ CREATE TABLE security_permission (
     grantee_type      VARCHAR(5) NOT NULL CHECK (grantee_type IN ('user', 'group')),
     grantee           VARCHAR(255) NOT NULL,
     permission_name   VARCHAR(255) NOT NULL,
-    permission_value  BIGINT NOT NULL,                -- 0 to 4294967295, a set of bits: 1 is "read"
+    permission_value  BIGINT NOT NULL,                -- 0 to 4294967295, a set of bits
     resource          TEXT,                           -- NULL: no resource, the permission is held outright
     is_conditional    INTEGER NOT NULL DEFAULT 0);
 CREATE INDEX security_permission_grantee ON security_permission (grantee_type, grantee, position);

@@ -25,8 +25,9 @@ public:
     /// until that `Log`.
     int StoreParams(const char* sourceFile, const char* functionName, int line, int level, int module, int number);
 
-    /// Writes the announced message as one line, of any length and with any bytes. Throws std::bad_alloc. A line that
-    /// cannot be written whole is left out, which is reported on standard error and not to the caller.
+    /// Writes the announced message as one line, of any length and with any bytes, with the time in UTC and the
+    /// system's number of the calling thread. Throws std::bad_alloc. A line that cannot be written whole is left out,
+    /// which is reported on standard error and not to the caller.
     void Log(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
     /// Sets the level and the file before the first call of StoreParams. They mean what `TMR_LOG_LEVEL` and

@@ -64,6 +64,26 @@ public:
     virtual void CheckIntegrity() {}
     /// The risks of the connection that the security manager can detect.
     virtual void ForEachRisk(const std::function<void(const SECM_Risk& risk)>& /*handle*/) {}
+    /// The grants to exactly this user and to exactly this group, by position; an empty group is no group.
+    virtual void ForEachGrantTo(const std::string& userName, const std::string& groupName,
+                                const std::function<void(const SECM_Grant& grant)>& handle)
+    {
+        ForEachGrant([&](const SECM_Grant& grant) {
+            if (grant.isToGroup ? grant.grantee == groupName && !groupName.empty() : grant.grantee == userName) {
+                handle(grant);
+            }
+        });
+    }
+    /// The grants of exactly this permission, by position.
+    virtual void ForEachGrantOf(const std::string& permissionName,
+                                const std::function<void(const SECM_Grant& grant)>& handle)
+    {
+        ForEachGrant([&](const SECM_Grant& grant) {
+            if (grant.permission.name() == permissionName) {
+                handle(grant);
+            }
+        });
+    }
     /// The users of ForEachUser with their groups, in its order. By default without the groups.
     virtual void ForEachMember(const std::function<void(const SECM_Member& member)>& handle)
     {

@@ -19,9 +19,10 @@ public:
     virtual UserDetailsInterface* GetUserDetails(const char* domain, const char* userName) = 0;
 
     /// The permissions that are granted to exactly this user and exactly this group, in the order of granting: a new
-    /// list that the caller owns, empty when nothing is granted. An empty or null group is no group. The first call
-    /// after GetUserDetails gives what was read with that user, when it asks for the same user and the user's group;
-    /// any other call reads the current grants.
+    /// list that the caller owns, empty when nothing is granted. An empty or null group is no group. Grants of one
+    /// permission without a resource are one entry, at the place of the first: it has the bits of all, and is
+    /// conditional when one of them is. The first call after GetUserDetails gives what was read with that user, when it
+    /// asks for the same user and the user's group; any other call reads the current grants.
     virtual PermissionListInterface* GetPermissionList(const char* group, const char* user) = 0;
 
     virtual ~SMADM_Interface() = default;

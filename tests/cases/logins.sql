@@ -24,4 +24,9 @@ INSERT INTO security_permission VALUES
     (24, 'user', 'checker', 'r', 2, 'listed', 0),
     (25, 'user', 'checker', 'r', 3, 'default', 0),
     (26, 'user', 'checker', 's', 1, '', 0),
-    (27, 'user', 'checker', 'c', 1, NULL, 2);
+    (27, 'user', 'checker', 'c', 1, NULL, 2),
+    (28, 'user', 'checker', 't', 2, NULL, 0),
+    (29, 'user', 'checker', 't', 8, 'listed', 0),
+    (30, 'user', 'checker', 't', 1, NULL, 0),
+    (31, 'user', 'checker', 'u', 1, NULL, 0),
+    (32, 'user', 'checker', 'u', 2, NULL, 1);

@@ -109,12 +109,14 @@ std::vector<CommandBlock> ReadCommandBlocks()
 std::string Visible(const std::string& text, const std::string& scratchFolder)
 {
     static const std::regex time("20[0-9]{2}-[0-9]{2}-[0-9]{2}[T ][0-9]{2}:[0-9]{2}:[0-9]{2}(\\.[0-9]{3}Z| UTC)");
+    static const std::regex thread("(<TIME> \\[[0-9]+\\]) \\[[0-9]+\\] ");
     static const std::regex sourceLine("( \\([A-Za-z_/]+):[0-9]+\\)");
     std::string plain = text;
     ReplaceAll(plain, scratchFolder, "<FOLDER>");
     ReplaceAll(plain, std::filesystem::path(scratchFolder).filename(), "<FOLDER NAME>");
     ReplaceAll(plain, LIBRARY_FOLDER, "<LIBRARIES>");
     plain = std::regex_replace(std::regex_replace(plain, time, "<TIME>"), sourceLine, "$1:<LINE>)");
+    plain = std::regex_replace(plain, thread, "$1 [<THREAD>] ");
     if (!plain.empty() && plain.back() != '\n') {
         plain += "<END>\n";
     } else if (plain == "\n" || plain.ends_with("\n\n")) {

@@ -46,6 +46,7 @@ std::vector<CommandBlock> ReadCommandBlocks();
 /// <FOLDER>     the scratch folder; <FOLDER NAME>: its name alone, as in names of databases
 /// <LIBRARIES>  the folder of the libraries under test
 /// <TIME>       a time of day with its date
+/// <THREAD>     the number of the thread that wrote a log message
 /// <LINE>       the number of a source line in a log message
 /// <0xNN>       a control character, a byte that is not UTF-8, or a blank at the end of a line
 /// <EMPTY>      the last line, when it is empty

@@ -87,15 +87,15 @@ TEST(CommandBlocksTest, MalformedBlocksAreRefusedWithTheirPlace)
 
 TEST(CommandBlocksTest, WhatATextCannotShowIsVisible)
 {
-    for (const auto& [text, visible] :
-         std::map<std::string, std::string>{{"", ""},
-                                            {"\n", "<EMPTY>\n"},
-                                            {"a\n\n", "a\n<EMPTY>\n"},
-                                            {"a", "a<END>\n"},
-                                            {"a \n  b\t\r\n", "a<0x20>\n  b<0x09><0x0D>\n"},
-                                            {"\xC3\xA9 \xC3\xC3\xA9\xFF\n", "\xC3\xA9 <0xC3>\xC3\xA9<0xFF>\n"},
-                                            {"2026-11-23T14:00:00.123Z [3] f (a/b:12) in /tmp/scratch, scratch-x\n",
-                                             "<TIME> [3] f (a/b:<LINE>) in <FOLDER>, <FOLDER NAME>-x\n"}}) {
+    for (const auto& [text, visible] : std::map<std::string, std::string>{
+             {"", ""},
+             {"\n", "<EMPTY>\n"},
+             {"a\n\n", "a\n<EMPTY>\n"},
+             {"a", "a<END>\n"},
+             {"a \n  b\t\r\n", "a<0x20>\n  b<0x09><0x0D>\n"},
+             {"\xC3\xA9 \xC3\xC3\xA9\xFF\n", "\xC3\xA9 <0xC3>\xC3\xA9<0xFF>\n"},
+             {"2026-11-23T14:00:00.123Z [3] [45] f (a/b:12) in /tmp/scratch, scratch-x\n",
+              "<TIME> [3] [<THREAD>] f (a/b:<LINE>) in <FOLDER>, <FOLDER NAME>-x\n"}}) {
         EXPECT_EQ(Visible(text, "/tmp/scratch"), visible);
     }
 }

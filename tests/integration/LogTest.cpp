@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
@@ -28,9 +29,11 @@ TEST_F(LogTest, WritesMessagesOfAnyLengthWholeFromManyThreadsWhileItIsRotated)
     setenv("TMR_LOG_FILE", Path("a.log").c_str(), 1);
     Write("a.log", "before\n");
     Tmr_LogFile log;
+    std::map<std::size_t, pid_t> numbers = {{0, 0}, {511, 0}, {512, 0}, {20000, 0}}; // of the threads
     std::vector<std::thread> threads;
-    for (const std::size_t length : {0U, 511U, 512U, 20000U}) {
-        threads.emplace_back([&log, length] {
+    for (auto& [ofThread, number] : numbers) {
+        threads.emplace_back([&log, length = ofThread, &number = number] {
+            number = gettid();
             for (int n = 0; n < 50; ++n) {
                 EXPECT_EQ(log.StoreParams("source", "Function", 1, 4, 197, 1), 0);
                 EXPECT_NE(log.StoreParams("C:\\source", "Func\ntion", static_cast<int>(length) + 1, 3, 197, 1), 0);
@@ -56,9 +59,9 @@ TEST_F(LogTest, WritesMessagesOfAnyLengthWholeFromManyThreadsWhileItIsRotated)
         ++counts[line.substr(std::min<std::size_t>(line.size(), std::string("2026-11-22T19:34:58.123Z ").size()))];
     }
     EXPECT_EQ(counts.size(), 5U);
-    for (const std::size_t length : {0U, 511U, 512U, 20000U}) {
-        EXPECT_EQ(counts["[3] Func\\x0ation (C:\\\\source:" + std::to_string(length + 1) + ") " +
-                         std::string(length, 'l') + "\\x0a"],
+    for (const auto& [length, number] : numbers) {
+        EXPECT_EQ(counts["[3] [" + std::to_string(number) + "] Func\\x0ation (C:\\\\source:" +
+                         std::to_string(length + 1) + ") " + std::string(length, 'l') + "\\x0a"],
                   50)
             << length;
     }
@@ -85,7 +88,9 @@ std::string WrittenOverALimit(const std::string& path)
     Tmr_LogFile log;
     rlimit limit{};
     getrlimit(RLIMIT_FSIZE, &limit);
-    for (const rlim_t largest : {limit.rlim_max, rlim_t{100}, limit.rlim_max}) {
+    const std::string part = "2026-11-22T19:34:58.123Z [3] [" + std::to_string(gettid()) + "] Function (s";
+    const rlim_t inTheMiddle = 2 * part.size() + std::string("ource:1) 0123456789\n").size();
+    for (const rlim_t largest : {limit.rlim_max, inTheMiddle, limit.rlim_max}) {
         limit.rlim_cur = largest;
         setrlimit(RLIMIT_FSIZE, &limit);
         EXPECT_NE(log.StoreParams("source", "Function", 1, 3, 197, 1), 0);
@@ -93,7 +98,7 @@ std::string WrittenOverALimit(const std::string& path)
     }
     std::ostringstream written;
     written << std::ifstream(path).rdbuf();
-    return std::regex_replace(written.str(), std::regex("20[^Z]*Z"), "time");
+    return std::regex_replace(written.str(), std::regex("20[^Z]*Z (\\[3\\]) \\[[0-9]+\\]"), "time $1");
 }
 
 TEST_F(LogTest, TakesBackALineThatFitsOnlyInPart)

@@ -167,6 +167,64 @@ TEST_P(SecurityDatabaseTest, AListIsReadAnewUnlessItFollowsItsUser)
     releaseSECM_Interface(administration);
 }
 
+TEST_P(SecurityDatabaseTest, OutrightGrantsOfOnePermissionAddUp)
+{
+    Sql("INSERT INTO security_user VALUES ('adder', 'adders');");
+    AccessControlCallback callback;
+    callback.userName = "adder";
+    callback.group = callback.secondGroup = "adders";
+    SecurityManagerInterface* manager = getSecurityManagerInterface("Test", 0x11010A17);
+    SMADM_Interface* administration = getSECM_Interface("Test", 1);
+    ASSERT_TRUE(manager->Initialize(connection.c_str(), 5, "nonsecure", &callback, false));
+    ASSERT_TRUE(administration->Initialize(connection.c_str(), 5, "nonsecure"));
+    const auto listing = openSECM_Listing(connection.c_str(), 5);
+    for (const Lines& row : CaseRows("outright_grants.txt")) {
+        std::string rows, granted;
+        int position = 9000;
+        for (const std::string& grant : Split(row.at(1), ";")) {
+            const PermissionBase permission = PermissionFrom(Split(grant, " ").at(1));
+            const std::string resource = permission.resource() != nullptr ? permission.resource() : "";
+            rows += (rows.empty() ? "(" : ", (") + std::to_string(++position) +
+                    (grant.starts_with("user") ? ", 'user', 'adder', '" : ", 'group', 'adders', '") +
+                    permission.name() + "', " + std::to_string(permission.value()) +
+                    (permission.resource() != nullptr ? ", '" + resource + "', " : ", NULL, ") +
+                    (permission.IsConditional() ? "1)" : "0)");
+            granted += (granted.empty() ? "" : ";") + Split(grant, " ").at(1);
+        }
+        Sql("DELETE FROM security_permission WHERE position > 9000; INSERT INTO security_permission VALUES " + rows);
+
+        std::string listed;
+        listing->ForEachGrant([&](const SECM_Grant& grant) {
+            listed += grant.position > 9000 ? (listed.empty() ? "" : ";") + Shown(grant.permission) : "";
+        });
+        EXPECT_EQ(listed, granted) << row.at(0);
+
+        ASSERT_NE(administration->GetUserDetails(nullptr, "adder"), nullptr);
+        for (const char* read : {"with the user", "anew"}) {
+            const std::unique_ptr<PermissionListInterface> list(administration->GetPermissionList("adders", "adder"));
+            std::string held;
+            for (const PermissionBase& permission : *list->GetPermissions()) {
+                held += (held.empty() ? "" : ";") + Shown(permission);
+            }
+            EXPECT_EQ(held, row.at(2)) << row.at(0) << ", read " << read;
+        }
+
+        ASSERT_TRUE(manager->Login(&callback, false));
+        for (const PermissionBase& held : PermissionsFrom(row.at(2))) {
+            const auto holds = [&](unsigned value, bool isConditional) {
+                return manager->CheckPermission({held.name(), value, nullptr, isConditional});
+            };
+            if (held.resource() == nullptr) {
+                EXPECT_TRUE(holds(held.value(), true)) << row.at(0);
+                EXPECT_EQ(holds(held.value(), false), !held.IsConditional()) << row.at(0);
+                EXPECT_EQ(holds(held.value() | 16U, true), held.value() == 4294967295) << row.at(0);
+            }
+        }
+    }
+    releaseSECM_Interface(administration);
+    releaseSecurityManagerInterface(manager);
+}
+
 TEST_P(SecurityDatabaseTest, IsListedWholeOverManyPages)
 {
     Sql(Read(CASES_FOLDER "/many.sql"));

@@ -30,10 +30,12 @@ TEST(ConnectionTextTest, TheTextOverridesOurSettings)
         return std::get<PostgreSqlAddress>(DatabaseAddressOf(text, 7)).settings;
     };
     EXPECT_EQ(settings("postgresql://host = db  gssencmode=prefer connect_timeout=3 "),
-              "connect_timeout='3' host='db' gssencmode='prefer' tcp_user_timeout='7000' client_encoding='UTF8'");
+              "connect_timeout='3' host='db' gssencmode='prefer' fallback_application_name='SECM_AccessControl' "
+              "tcp_user_timeout='7000' client_encoding='UTF8'");
     EXPECT_EQ(settings("postgresql://client_encoding=LATIN1 password='it\\'s a\\\\' user=b options='-c a=b -c c=d'"),
-              "user='b' password='it\\'s a\\\\' options='-c a=b -c c=d' gssencmode='disable' connect_timeout='7' "
-              "tcp_user_timeout='7000' client_encoding='LATIN1'");
+              "user='b' password='it\\'s a\\\\' options='-c a=b -c c=d' gssencmode='disable' "
+              "fallback_application_name='SECM_AccessControl' connect_timeout='7' tcp_user_timeout='7000' "
+              "client_encoding='LATIN1'");
     const auto sqlite = std::get<SqliteAddress>(DatabaseAddressOf("sqlite3://db=\"a b\" shared_cache=yes", 7));
     EXPECT_EQ(sqlite.file, "a b");
     EXPECT_EQ(sqlite.timeoutSeconds, 7U);

@@ -11,13 +11,6 @@ using namespace secm::testing;
 
 using namespace secm::analysis;
 
-std::string Shown(const PermissionBase& permission)
-{
-    return std::string(permission.name()) + ":" + std::to_string(permission.value()) + ":" +
-           (permission.resource() != nullptr ? permission.resource() : "null") +
-           (permission.IsConditional() ? ":conditional" : "");
-}
-
 std::string Joined(const Lines& texts)
 {
     std::string joined;
@@ -48,21 +41,14 @@ class ChangedPermissionsTest : public testing::TestWithParam<Lines> {};
 TEST_P(ChangedPermissionsTest, AreHeld)
 {
     const Lines& row = GetParam();
-    const auto permissions = [](const std::string& texts) {
-        std::vector<PermissionBase> parsed;
-        for (const std::string& text : texts.empty() ? Lines() : Split(texts, ";")) {
-            parsed.push_back(PermissionFrom(text));
-        }
-        return parsed;
-    };
     WhatIf tried;
-    tried.grants = permissions(row.at(3));
+    tried.grants = PermissionsFrom(row.at(3));
     for (const std::string& revoked : row.at(2) == "-" ? Lines() : Split(row.at(2), ";")) {
         tried.revocations.push_back({revoked});
     }
     EXPECT_EQ(tried.ChangesPermissions(), !tried.IsEmpty());
     Lines held, counts;
-    for (const PermissionBase& permission : WithChanges(tried, permissions(row.at(1)))) {
+    for (const PermissionBase& permission : WithChanges(tried, PermissionsFrom(row.at(1)))) {
         held.push_back(Shown(permission));
     }
     for (const WhatIf::Revocation& revocation : tried.revocations) {

@@ -6,7 +6,8 @@ _acfilter() {
     case $command in
     filter) options+=" $requests --users-from" ;;
     report) options+=" $requests --users-from --output --values --full" ;;
-    diff) options+=" $requests --to --to-security --users-from --excluding --full --strict" ;;
+    diff) options+=" $requests --to --to-security --users-from --attribute --grant --revoke --for-user --for-group
+        --excluding --full --strict" ;;
     explain) options+=" $requests --full --attribute --grant --revoke" ;;
     check) options+=" --strict" ;;
     esac

@@ -5,7 +5,9 @@
 #include "platform/configuration/CFG_RepositoryServices.h"
 
 #include "platform/KeptUntilUnload.h"
+#include "platform/configuration/ConfigurationPaths.h"
 #include "platform/configuration/toml/TomlTree.h"
+#include "platform/logging/Tmr_LogFile.h"
 
 #include <algorithm>
 #include <charconv>
@@ -110,6 +112,38 @@ private:
     virtual NodePointer Here() const = 0;
 };
 
+constexpr int failureLevel = 3;
+constexpr int logModule = 199; // the configuration's number in the log, and the number of its log
+constexpr int logNumber = 1;
+
+// The names of the repositories, for a message.
+std::string RepositoryNames(const Node& root)
+{
+    std::string path = configuration_paths::repositories;
+    path.pop_back(); // the separator
+    const Entry* repositories = FindEntry(root, path);
+    std::string names;
+    if (repositories != nullptr && repositories->node != nullptr) {
+        for (const char* name : repositories->node->childNames) {
+            names += (names.empty() ? "'" : ", '") + std::string(name) + "'";
+        }
+    }
+    return names.empty() ? "none" : names;
+}
+
+// A manager of a repository that the configuration lacks restricts nobody, which must not go unnoticed.
+void LogUnknownRepository(const Node& root, const std::string& path)
+{
+    const std::string prefix = configuration_paths::repositories;
+    if (path.starts_with(prefix) && path.find('\\', prefix.size()) == std::string::npos &&
+        TmrGLog.StoreParams("platform/configuration/toml/TomlRepository", "CFG_RepositoryServices::GetSubTree",
+                            __LINE__, failureLevel, logModule, logNumber) != 0) {
+        TmrGLog.Log("The configuration has no repository '%s', so its managers restrict nobody; the repositories are: "
+                    "%s\n",
+                    path.c_str() + prefix.size(), RepositoryNames(root).c_str());
+    }
+}
+
 class SubTree final : public Services {
 public:
     explicit SubTree(NodePointer atNode) : node(std::move(atNode)) {}
@@ -122,7 +156,11 @@ private:
 
 CFG_RepositoryServices* Services::GetSubTree(const RWCString& path) const
 {
-    NodePointer node = FindNode(Here(), path);
+    const NodePointer here = Here();
+    NodePointer node = FindNode(here, path);
+    if (!node) {
+        LogUnknownRepository(*here, std::string(View(path)));
+    }
     return node ? new SubTree(std::move(node)) : nullptr;
 }
 

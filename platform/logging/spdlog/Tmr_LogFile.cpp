@@ -9,6 +9,8 @@
 #include <spdlog/logger.h>
 #include <spdlog/pattern_formatter.h>
 
+#include <unistd.h>
+
 #include <array>
 #include <charconv>
 #include <cstdarg>
@@ -182,7 +184,7 @@ void Tmr_LogFile::Log(const char* format, ...)
         message.remove_suffix(1);
     }
     const auto& announced = secm::platform::announced;
-    std::string line = fmt::format("[{}] ", announced.level);
+    std::string line = fmt::format("[{}] [{}] ", announced.level, gettid());
     secm::platform::AppendEscaped(line, announced.functionName);
     line += " (";
     secm::platform::AppendEscaped(line, announced.sourceFile);

@@ -24,7 +24,7 @@ constexpr std::string_view hidden = "***";
 // None of them holds a secret; other keys are refused.
 constexpr std::array<std::string_view, 6> sqliteKeys = {"db",       "dbname",       "timeout",
                                                         "readonly", "shared_cache", "synchronous"};
-constexpr std::array<std::string_view, 12> harmlessPostgreSqlKeys = {"host",
+constexpr std::array<std::string_view, 13> harmlessPostgreSqlKeys = {"host",
                                                                      "hostaddr",
                                                                      "port",
                                                                      "dbname",
@@ -34,6 +34,7 @@ constexpr std::array<std::string_view, 12> harmlessPostgreSqlKeys = {"host",
                                                                      "client_encoding",
                                                                      "sslmode",
                                                                      "gssencmode",
+                                                                     "application_name",
                                                                      "sslrootcert",
                                                                      "target_session_attrs"};
 
@@ -198,9 +199,10 @@ PostgreSqlAddress PostgreSqlAddressOf(const std::string& text, unsigned timeoutS
     const std::vector<Setting> settings = PostgreSqlSettingsOf(text);
     RequireSeparateSettings(settings);
     // Our settings are added for the keys that the text does not have. The library of Kerberos' encryption ends the
-    // process when memory runs out. Without client_encoding, PGCLIENTENCODING could convert names into those of other
-    // users. That setting is the last, because SOCI drops what follows the blank in a last value that has one.
-    std::vector<Setting> added = {{"gssencmode", "disable"}};
+    // process when memory runs out. The fallback names us in the server's list of connections, unless PGAPPNAME or the
+    // text names the host. Without client_encoding, PGCLIENTENCODING could convert names into those of other users.
+    // That setting is the last, because SOCI drops what follows the blank in a last value that has one.
+    std::vector<Setting> added = {{"gssencmode", "disable"}, {"fallback_application_name", "SECM_AccessControl"}};
     if (timeoutSeconds != 0) {
         const std::string timeout = std::to_string(timeoutSeconds);
         added.push_back({"connect_timeout", timeout});

@@ -1,5 +1,8 @@
 #include "platform/security_manager/sql/DatabaseAccess.h"
 
+#include "platform/logging/Tmr_LogFile.h"
+#include "platform/security_manager/sql/ConnectionText.h"
+
 #include <fmt/format.h>
 #include <soci/postgresql/soci-postgresql.h>
 
@@ -7,6 +10,8 @@
 #include <stdexcept>
 
 namespace secm::platform {
+
+constexpr int failureLevel = 3;
 
 soci::postgresql_session_backend* PostgreSqlOf(soci::session& session)
 {
@@ -23,6 +28,15 @@ std::string ReasonOf(const std::runtime_error& error)
     std::replace_if(
         text.begin(), text.end(), [](char character) { return character == '\n' || character == '\t'; }, ' ');
     return text;
+}
+
+void LogFailure(const char* function, const std::string& connectionText, const char* what, const std::string& reason)
+{
+    if (TmrGLog.StoreParams("platform/security_manager/sql/DatabaseAccess", function, __LINE__, failureLevel,
+                            databaseLogModule, databaseLogNumber) != 0) {
+        TmrGLog.Log("The security database '%s' %s: %s\n", ShownConnectionText(connectionText).c_str(), what,
+                    reason.c_str());
+    }
 }
 
 std::string RowPlace::Text() const

@@ -26,6 +26,10 @@ soci::postgresql_session_backend* PostgreSqlOf(soci::session& session);
 /// The text of the error in one line. Messages of databases have several.
 std::string ReasonOf(const std::runtime_error& error);
 
+/// Logs at level 3, as coming from `function`, that the database "failed" or "cannot be used", and the reason. The
+/// connection text is shown without secrets.
+void LogFailure(const char* function, const std::string& connectionText, const char* what, const std::string& reason);
+
 /// Names a row in messages: by the user name, else by the position, else only by its table.
 struct RowPlace {
     const char* table;

@@ -2,6 +2,7 @@
 
 #include "platform/KeptUntilUnload.h"
 #include "platform/logging/Tmr_LogFile.h"
+#include "platform/security_manager/sql/ConnectionText.h"
 #include "platform/security_manager/sql/DatabaseAccess.h"
 #include "platform/security_manager/sql/SecurityColumns.h"
 
@@ -20,7 +21,7 @@
 namespace secm::platform {
 namespace {
 
-constexpr int noticeLevel = 6;
+constexpr int noticeLevel = 6; // of new connections too
 constexpr const char* quickCheckVariable = "SECM_QUICK_CHECK";
 
 // Replaces the client library's own function, which writes to the host's standard error. No exception may reach that
@@ -32,6 +33,27 @@ try {
         TmrGLog.Log("The security database says: %s", text);
     }
 } catch (const std::exception&) {
+}
+
+// Which of several servers it is, and what names the connection there; empty on SQLite.
+std::string ServerOf(soci::session& session)
+{
+    const soci::postgresql_session_backend* postgreSql = PostgreSqlOf(session);
+    if (postgreSql == nullptr) {
+        return "";
+    }
+    const PGconn* server = postgreSql->conn_;
+    return fmt::format(" (server {}, port {}, process {})", PQhost(server), PQport(server), PQbackendPID(server));
+}
+
+void LogConnection(const std::string& connectionText, soci::session& session)
+{
+    if (TmrGLog.StoreParams("platform/security_manager/sql/DatabaseConnection",
+                            "DatabaseConnection::DatabaseConnection", __LINE__, noticeLevel, databaseLogModule,
+                            databaseLogNumber) != 0) {
+        TmrGLog.Log("Connected to the security database '%s'%s\n", ShownConnectionText(connectionText).c_str(),
+                    ServerOf(session).c_str());
+    }
 }
 
 bool WantsQuickCheck()
@@ -89,6 +111,7 @@ DatabaseConnection::DatabaseConnection(const std::string& connectionText, unsign
     if (WantsQuickCheck()) {
         CheckIntegrity();
     }
+    LogConnection(connectionText, session);
 }
 
 void DatabaseConnection::RequireWhole()

@@ -1,5 +1,7 @@
 #include "platform/security_manager/sql/GrantedPermissions.h"
 
+#include "platform/security_manager/PermissionsInOrder.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -16,8 +18,8 @@ void GrantedPermissions::Add(const PermissionBase& permission)
     if (permission.resource() != nullptr) {
         granted.resources.push_back({granted.texts.size(), permission.value(), permission.IsConditional()});
         granted.texts.append(permission.resource()).push_back('\0');
-    } else if (!granted.firstWithoutResource) {
-        granted.firstWithoutResource = permission;
+    } else {
+        granted.outright = granted.outright ? AddedUp(*granted.outright, permission) : permission;
     }
 }
 
@@ -37,7 +39,7 @@ std::optional<PermissionBase> GrantedPermissions::FirstEqual(const PermissionBas
     }
     const OfOneName& granted = found->second;
     if (sought.resource() == nullptr) {
-        return granted.firstWithoutResource;
+        return granted.outright;
     }
     const auto equal = std::find_if(granted.resources.begin(), granted.resources.end(), [&](const Resource& resource) {
         return std::strcmp(granted.TextOf(resource), sought.resource()) == 0;

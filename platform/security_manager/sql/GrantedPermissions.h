@@ -20,7 +20,7 @@ public:
     /// Frees the memory that was reserved for more permissions.
     void ShrinkToFit();
 
-    /// The first permission that is equal to `sought`; no value when there is none.
+    /// The first permission that is equal to `sought`; no value when there is none. Outright grants are one permission.
     std::optional<PermissionBase> FirstEqual(const PermissionBase& sought) const;
 
     /// Appends the resources of the permissions named `name` that hold every bit of `value`.
@@ -34,7 +34,7 @@ private:
     };
 
     struct OfOneName {
-        std::optional<PermissionBase> firstWithoutResource; // later ones are equal to it and never found
+        std::optional<PermissionBase> outright; // the sum of the grants without a resource
         std::vector<Resource> resources;
         std::string texts; // of the resources, each followed by a NUL
 

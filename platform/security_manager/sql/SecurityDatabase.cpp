@@ -2,7 +2,6 @@
 // one statement, which sees one snapshot: the user, then the attributes, then the permissions.
 #include "platform/security_manager/sql/SecurityDatabase.h"
 
-#include "platform/logging/Tmr_LogFile.h"
 #include "platform/security_manager/SECM_Constants.h"
 #include "platform/security_manager/sql/AllowedTexts.h"
 #include "platform/security_manager/sql/ConnectionText.h"
@@ -21,8 +20,6 @@
 
 namespace secm::platform {
 namespace {
-
-constexpr int failureLevel = 3;
 
 enum Section : long long { userSection = 0, attributeSection = 1, permissionSection = 2 };
 
@@ -137,13 +134,13 @@ public:
     {
         groupName = group;
         userName = name;
-        std::vector<PermissionBase> found;
+        PermissionsInOrder found;
         Execute(permissions);
         while (permissions.fetch()) {
-            found.push_back(Permission());
+            found.Add(Permission());
         }
         connection.RequireWhole();
-        return found;
+        return found.Take();
     }
 
 private:
@@ -238,7 +235,7 @@ void SecurityDatabase::DropReplacedFile()
 }
 
 template <class Question>
-auto SecurityDatabase::Ask(const char* name, Question question)
+auto SecurityDatabase::Try(const char* name, Question question)
 {
     LeaveToParent();
     const char* step = "connecting";
@@ -258,44 +255,52 @@ auto SecurityDatabase::Ask(const char* name, Question question)
     }
 }
 
-template <class Permissions>
-std::optional<UserWithPermissions<Permissions>> SecurityDatabase::ReadUser(const std::string& userName)
+template <class Question>
+auto SecurityDatabase::Ask(const char* function, const char* name, Question question)
 {
-    return Ask("reading the user with permissions",
+    try {
+        return Try(name, question);
+    } catch (const std::runtime_error& error) {
+        LogFailure(function, text, "failed", error.what());
+        throw;
+    }
+}
+
+template <class Permissions>
+std::optional<UserWithPermissions<Permissions>> SecurityDatabase::ReadUser(const char* function,
+                                                                           const std::string& userName)
+{
+    return Ask(function, "reading the user with permissions",
                [&](Connection& open) { return open.ReadUser<Permissions>(userName); });
 }
 
 template std::optional<UserWithPermissions<GrantedPermissions>>
-SecurityDatabase::ReadUser<GrantedPermissions>(const std::string& userName);
+SecurityDatabase::ReadUser<GrantedPermissions>(const char* function, const std::string& userName);
 template std::optional<UserWithPermissions<PermissionsInOrder>>
-SecurityDatabase::ReadUser<PermissionsInOrder>(const std::string& userName);
+SecurityDatabase::ReadUser<PermissionsInOrder>(const char* function, const std::string& userName);
 
-std::vector<PermissionBase> SecurityDatabase::ReadPermissions(const std::string& groupName, const std::string& userName)
+std::vector<PermissionBase> SecurityDatabase::ReadPermissions(const char* function, const std::string& groupName,
+                                                              const std::string& userName)
 {
-    return Ask("reading the permissions", [&](Connection& open) { return open.ReadPermissions(groupName, userName); });
+    return Ask(function, "reading the permissions",
+               [&](Connection& open) { return open.ReadPermissions(groupName, userName); });
 }
 
 std::unique_ptr<SecurityDatabase> SecurityDatabase::Open(const char* function, const char* connectionText,
                                                          unsigned timeoutSeconds, const char* mode)
 {
     const std::string text = connectionText != nullptr ? connectionText : "";
-    std::string reason;
     try {
         if (mode == nullptr || std::strcmp(mode, connectionMode) != 0) {
             throw std::runtime_error(fmt::format("the only mode offered is '{}'", connectionMode));
         }
         std::unique_ptr<SecurityDatabase> database(new SecurityDatabase(text, timeoutSeconds));
-        database->Ask("trying the statements", [](Connection& open) { open.TryStatements(); });
+        database->Try("trying the statements", [](Connection& open) { open.TryStatements(); });
         return database;
     } catch (const std::runtime_error& error) {
-        reason = error.what();
+        LogFailure(function, text, "cannot be used", error.what());
+        return nullptr;
     }
-    if (TmrGLog.StoreParams("platform/security_manager/sql/SecurityDatabase", function, __LINE__, failureLevel,
-                            databaseLogModule, databaseLogNumber) != 0) {
-        TmrGLog.Log("The security database '%s' cannot be used: %s\n", ShownConnectionText(text).c_str(),
-                    reason.c_str());
-    }
-    return nullptr;
 }
 
 } // namespace secm::platform

@@ -2,7 +2,7 @@
 // use the same statement on SQLite and on PostgreSQL, so all give the same answers.
 #pragma once
 
-#include "platform/security_manager/PermissionBase.h"
+#include "platform/security_manager/PermissionsInOrder.h"
 #include "platform/security_manager/sql/SecurityUser.h"
 
 #include <sys/types.h>
@@ -23,16 +23,10 @@ struct UserWithPermissions {
     Permissions permissions;
 };
 
-/// Permissions as a list.
-struct PermissionsInOrder {
-    void Add(const PermissionBase& permission) { list.push_back(permission); }
-
-    std::vector<PermissionBase> list;
-};
-
 /// One connection, used by one thread at a time. A question that fails throws std::runtime_error, whose text begins
-/// with the question's name, and drops the connection. The next question then connects again; so does a question after
-/// another file has taken the SQLite file's name, and the first one in a forked process.
+/// with the question's name, and drops the connection; the text is logged at level 3 before. The next question then
+/// connects again; so does a question after another file has taken the SQLite file's name, and the first one in a
+/// forked process.
 class SecurityDatabase {
 public:
     /// Connects and tries every statement. Null when that fails or `mode` is not "nonsecure"; the reason is
@@ -41,12 +35,13 @@ public:
                                                   unsigned timeoutSeconds, const char* mode);
     ~SecurityDatabase();
 
-    /// No value when there is no such user.
+    /// No value when there is no such user. `function` asks, for the log.
     template <class Permissions>
-    std::optional<UserWithPermissions<Permissions>> ReadUser(const std::string& userName);
+    std::optional<UserWithPermissions<Permissions>> ReadUser(const char* function, const std::string& userName);
 
     /// What is granted to exactly this user and exactly this group; an empty group is no group.
-    std::vector<PermissionBase> ReadPermissions(const std::string& groupName, const std::string& userName);
+    std::vector<PermissionBase> ReadPermissions(const char* function, const std::string& groupName,
+                                                const std::string& userName);
 
 private:
     class Connection;
@@ -54,7 +49,9 @@ private:
     SecurityDatabase(std::string connectionText, unsigned timeoutSeconds);
 
     template <class Question>
-    auto Ask(const char* name, Question question);
+    auto Try(const char* name, Question question);
+    template <class Question>
+    auto Ask(const char* function, const char* name, Question question);
 
     void LeaveToParent();
     void DropReplacedFile();

@@ -46,11 +46,11 @@ public:
     {
         Forget();
         const std::string name = TextOrEmpty(userName);
-        auto found = Connected("GetUserDetails").ReadUser<PermissionsInOrder>(name);
+        auto found = Connected("GetUserDetails").ReadUser<PermissionsInOrder>("SMADM_Interface::GetUserDetails", name);
         if (!found) {
             return nullptr;
         }
-        readWithUser = {name, found->user.groupName, std::move(found->permissions.list)};
+        readWithUser = {name, found->user.groupName, found->permissions.Take()};
         return &details.emplace(std::move(found->user));
     }
 
@@ -62,7 +62,8 @@ public:
         if (read && read->userName == userName && read->groupName == groupName) {
             return new SqlPermissionList(std::move(read->permissions));
         }
-        return new SqlPermissionList(Connected("GetPermissionList").ReadPermissions(groupName, userName));
+        return new SqlPermissionList(
+            Connected("GetPermissionList").ReadPermissions("SMADM_Interface::GetPermissionList", groupName, userName));
     }
 
 private:

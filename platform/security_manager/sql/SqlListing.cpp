@@ -16,7 +16,6 @@ namespace secm::platform {
 namespace {
 
 constexpr std::size_t pageSize = 1000;
-constexpr const char* listingPermissions = "listing the permissions";
 
 class SqlListing final : public SECM_ListingInterface {
 public:
@@ -28,10 +27,10 @@ public:
     void ForEachUser(const std::function<void(const std::string&)>& handle) override
     {
         TextColumn name;
-        const Statement byName{"SELECT user_name FROM security_user", "user_name > :last", "user_name"};
+        const Statement byName{"SECM_ListingInterface::ForEachUser", "listing the users",
+                               "SELECT user_name FROM security_user", "user_name > :last", "user_name"};
         ReadPages<std::string>(
-            "listing the users", byName, handle,
-            [&](soci::statement& page) { page.exchange(soci::into(name.text, name.indicator)); },
+            byName, handle, [&](soci::statement& page) { page.exchange(soci::into(name.text, name.indicator)); },
             [&](soci::statement& page, const std::string& last) { page.exchange(soci::use(last, "last")); },
             [&] { return name.At(PlaceOf("security_user", name)); },
             [](const std::string& one, const std::string& other) { return one == other; });
@@ -39,12 +38,32 @@ public:
 
     void ForEachGrant(const std::function<void(const SECM_Grant&)>& handle) override
     {
-        ForEachGrantRow([&](const SECM_GrantRow& row) {
-            if (!row.fault.empty()) {
-                Ask(listingPermissions, [&] { throw std::runtime_error(row.fault); });
-            }
-            handle(row.grant);
-        });
+        ReadGrants("SECM_ListingInterface::ForEachGrant", "", {}, handle);
+    }
+
+    // The statements compare by the collations of the columns, which may take more names for the same.
+    void ForEachGrantTo(const std::string& userName, const std::string& groupName,
+                        const std::function<void(const SECM_Grant&)>& handle) override
+    {
+        ReadGrants("SECM_ListingInterface::ForEachGrantTo",
+                   "(grantee_type = 'user' AND grantee = :first OR grantee_type = 'group' AND grantee = :second)",
+                   {userName, groupName}, [&](const SECM_Grant& grant) {
+                       if (grant.isToGroup ? grant.grantee == groupName && !groupName.empty()
+                                           : grant.grantee == userName) {
+                           handle(grant);
+                       }
+                   });
+    }
+
+    void ForEachGrantOf(const std::string& permissionName,
+                        const std::function<void(const SECM_Grant&)>& handle) override
+    {
+        ReadGrants("SECM_ListingInterface::ForEachGrantOf", "permission_name = :first", {permissionName},
+                   [&](const SECM_Grant& grant) {
+                       if (grant.permission.name() == permissionName) {
+                           handle(grant);
+                       }
+                   });
     }
 
     void ForEachAttribute(const std::function<void(const SECM_Attribute&)>& handle) override
@@ -52,10 +71,11 @@ public:
         TextColumn user;
         TextColumn name;
         TextColumn value;
-        const Statement byUser{"SELECT user_name, attribute_name, attribute_value FROM security_attribute",
+        const Statement byUser{"SECM_ListingInterface::ForEachAttribute", "listing the attributes",
+                               "SELECT user_name, attribute_name, attribute_value FROM security_attribute",
                                "(user_name, attribute_name) > (:lastUser, :lastName)", "user_name, attribute_name"};
         ReadPages<SECM_Attribute>(
-            "listing the attributes", byUser, handle,
+            byUser, handle,
             [&](soci::statement& page) {
                 for (TextColumn* column : {&user, &name, &value}) {
                     page.exchange(soci::into(column->text, column->indicator));
@@ -78,9 +98,10 @@ public:
     {
         TextColumn name;
         TextColumn group;
-        const Statement byName{"SELECT user_name, group_name FROM security_user", "user_name > :last", "user_name"};
+        const Statement byName{"SECM_ListingInterface::ForEachMember", "listing the users",
+                               "SELECT user_name, group_name FROM security_user", "user_name > :last", "user_name"};
         ReadPages<SECM_Member>(
-            "listing the users", byName, handle,
+            byName, handle,
             [&](soci::statement& page) {
                 page.exchange(soci::into(name.text, name.indicator));
                 page.exchange(soci::into(group.text, group.indicator));
@@ -100,12 +121,13 @@ public:
         TextColumn grantee;
         TextColumn storedValue;
         int isOddlyConditional = 0;
-        const Statement byPosition{std::string("SELECT ") + permissionColumns +
+        const Statement byPosition{"SECM_ListingInterface::ForEachGrantRow", "listing the permissions",
+                                   std::string("SELECT ") + permissionColumns +
                                        ", grantee_type, grantee, CAST(permission_value AS TEXT),"
                                        " CASE WHEN is_conditional IN (0, 1) THEN 0 ELSE 1 END FROM security_permission",
                                    "position > :last", "position"};
         ReadPages<SECM_GrantRow>(
-            listingPermissions, byPosition, handle,
+            byPosition, handle,
             [&](soci::statement& page) {
                 row.Bind(page);
                 for (TextColumn* column : {&granteeType, &grantee, &storedValue}) {
@@ -124,7 +146,7 @@ public:
 
     void CheckIntegrity() override
     {
-        Ask("checking the integrity", [&] { connection.CheckIntegrity(); });
+        Ask("SECM_ListingInterface::CheckIntegrity", "checking the integrity", [&] { connection.CheckIntegrity(); });
     }
 
     void ForEachRisk(const std::function<void(const SECM_Risk&)>& handle) override
@@ -136,20 +158,56 @@ public:
 
 private:
     template <class Question>
-    void Ask(const char* name, Question question)
+    void Ask(const char* function, const char* name, Question question)
     {
         try {
             question();
         } catch (const std::runtime_error& error) {
+            LogFailure(function, text, "failed", fmt::format("{}: {}", name, ReasonOf(error)));
             throw std::runtime_error(fmt::format("the security database '{}' cannot be read: {}: {}",
                                                  ShownConnectionText(text), name, ReasonOf(error)));
         }
     }
 
+    // `names` are the parameters ":first" and ":second" of `condition`.
+    void ReadGrants(const char* function, const std::string& condition, const std::vector<std::string>& names,
+                    const std::function<void(const SECM_Grant&)>& handle)
+    {
+        PermissionRow row;
+        TextColumn granteeType;
+        TextColumn grantee;
+        const Statement byPosition{function,
+                                   "listing the permissions",
+                                   std::string("SELECT ") + permissionColumns +
+                                       ", grantee_type, grantee FROM security_permission",
+                                   "position > :last",
+                                   "position",
+                                   condition};
+        ReadPages<SECM_Grant>(
+            byPosition, handle,
+            [&](soci::statement& page) {
+                row.Bind(page);
+                page.exchange(soci::into(granteeType.text, granteeType.indicator));
+                page.exchange(soci::into(grantee.text, grantee.indicator));
+                for (std::size_t index = 0; index < names.size(); ++index) {
+                    page.exchange(soci::use(names[index], index == 0 ? "first" : "second"));
+                }
+            },
+            [&](soci::statement& page, const SECM_Grant& last) { page.exchange(soci::use(last.position, "last")); },
+            [&]() -> SECM_Grant {
+                const RowPlace place{"security_permission", {}, row.position};
+                return {row.position, granteeType.At(place) == "group", grantee.At(place), row.Permission()};
+            },
+            [](const SECM_Grant& one, const SECM_Grant& other) { return one.position == other.position; });
+    }
+
     struct Statement {
+        const char* function; // and what it does, for messages
+        const char* name;
         std::string select;
         std::string behindLast; // the condition on the rows behind the last row of a page
         std::string order;
+        std::string condition = {}; // on all rows
     };
 
     // The place of a row of a user, whose name may be NULL.
@@ -188,15 +246,15 @@ private:
     // must be found there again. Otherwise rows would be left out or repeated without end: rows with a key that another
     // row has too, or with a key that is no text.
     template <class Row, class BindRow, class BindLast, class TakeRow, class HasSameKey>
-    void ReadPages(const char* name, const Statement& statement, const std::function<void(const Row&)>& handle,
-                   BindRow bindRow, BindLast bindLast, TakeRow takeRow, HasSameKey hasSameKey)
+    void ReadPages(const Statement& statement, const std::function<void(const Row&)>& handle, BindRow bindRow,
+                   BindLast bindLast, TakeRow takeRow, HasSameKey hasSameKey)
     {
         const std::string page = " ORDER BY " + statement.order + " LIMIT " + std::to_string(pageSize + 1);
         std::vector<Row> rows;
         do {
             const std::vector<Row> before = std::move(rows); // and the first row of this page
             rows.clear();
-            Ask(name, [&] {
+            Ask(statement.function, statement.name, [&] {
                 connection.Keep([&] {
                     soci::statement select(connection.Session());
                     bindRow(select);
@@ -204,7 +262,10 @@ private:
                         bindLast(select, before.at(pageSize - 1));
                     }
                     select.alloc();
-                    select.prepare(statement.select + (before.empty() ? "" : " WHERE " + statement.behindLast) + page);
+                    const std::string behind = before.empty() ? "" : statement.behindLast;
+                    const std::string conditions =
+                        statement.condition + (statement.condition.empty() || behind.empty() ? "" : " AND ") + behind;
+                    select.prepare(statement.select + (conditions.empty() ? "" : " WHERE " + conditions) + page);
                     select.define_and_bind();
                     select.execute();
                     while (select.fetch()) {

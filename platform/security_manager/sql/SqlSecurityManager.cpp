@@ -51,7 +51,7 @@ public:
         callback->GetAuxiliaryText(unused, unusedFlag);
         callback->GetIpAddress(unused);
 
-        auto found = database->ReadUser<GrantedPermissions>(userName);
+        auto found = database->ReadUser<GrantedPermissions>("SecurityManagerInterface::Login", userName);
         if (found && IsOwnGroup(callback, &SECM_CallBackInterface::GetGroup, found->user) &&
             IsOwnGroup(callback, &SECM_CallBackInterface::GetSecondGroup, found->user)) {
             permissions = std::move(found->permissions);

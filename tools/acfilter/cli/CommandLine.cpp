@@ -105,19 +105,23 @@ void AddOptions(CLI::App& command, FilterOptions& options)
         ->type_name("FILE");
 }
 
-void AddOptions(CLI::App& command, ExplainOptions& options)
+void AddChangeOptions(CLI::App& command, ChangeOptions& options)
 {
-    AddHostOptions(command, options.host, {});
-    AddRequestOptions(command, options.request, "text: for people; json: one object, for programs");
-    command.add_flag("--full", options.isFull, "Show long lists and texts whole");
     const auto addChange = [&](const char* name, std::vector<std::string>& texts, const char* help, const char* form) {
         AddOption(command, name, texts, help)->allow_extra_args(false)->type_name(form);
     };
     addChange("--attribute", options.attributes, "As if the user had this attribute", "NAME=VALUE");
     addChange("--grant", options.grants, "As if this were granted too; without a resource, outright",
               "NAME:VALUE[:RESOURCE]");
-    addChange("--revoke", options.revocations, "As if this were not granted, neither to the user nor to the group",
-              "NAME[:RESOURCE]");
+    addChange("--revoke", options.revocations, "As if this were not granted", "NAME[:RESOURCE]");
+}
+
+void AddOptions(CLI::App& command, ExplainOptions& options)
+{
+    AddHostOptions(command, options.host, {});
+    AddRequestOptions(command, options.request, "text: for people; json: one object, for programs");
+    command.add_flag("--full", options.isFull, "Show long lists and texts completely");
+    AddChangeOptions(command, options.changes);
     AddOption(command, "USER", options.user, "The user's name; one that begins with - after --")
         ->required()
         ->type_name("");
@@ -151,9 +155,9 @@ void AddOptions(CLI::App& command, ReportOptions& options)
 void AddOptions(CLI::App& command, DiffOptions& options)
 {
     AddHostOptions(command, options.host, {});
-    AddOption(command, "--to", options.toConfiguration, "The configuration to compare with")
-        ->type_name("PATH")
-        ->required();
+    AddOption(command, "--to", options.toConfiguration,
+              "The configuration to compare with; else the same, with the changes below")
+        ->type_name("PATH");
     AddOption(command, "--to-security", options.toSecurityDatabase,
               "The security database to compare with; else the same")
         ->type_name("CONNECT");
@@ -161,12 +165,19 @@ void AddOptions(CLI::App& command, DiffOptions& options)
     AddOption(command, "--users-from", options.usersFrom,
               "A file of user names, one a line; - for standard input; else every user of both security databases")
         ->type_name("FILE");
+    AddChangeOptions(command, options.changes);
+    CLI::Option* forUser =
+        AddOption(command, "--for-user", options.forUser, "The user whom --attribute, --grant and --revoke concern")
+            ->type_name("USER");
+    AddOption(command, "--for-group", options.forGroup, "The group that they concern")
+        ->excludes(forUser)
+        ->type_name("GROUP");
     AddOption(command, "--excluding", options.excluding,
               "A field whose values are left out of what is shown, so that more of them show less")
         ->allow_extra_args(false)
         ->type_name("FIELD");
     command.add_flag("--full", options.isFull, "Show long lists and texts whole");
-    command.add_flag("--strict", options.isStrict, "Exit with 4 also when it cannot be told of somebody");
+    command.add_flag("--strict", options.isStrict, "Exit with 4 also when it is not known whether somebody sees more");
 }
 
 class CommandLine {
@@ -176,10 +187,11 @@ public:
         app.set_version_flag("--version", std::string("acfilter ") + version);
         app.require_subcommand(1);
         AddCommand("filter", "Print the access-control filter of each user, one a line", filter, RunFilter);
-        AddCommand("explain", "Tell how one user's filter comes about, step by step", explain, RunExplain);
+        AddCommand("explain", "Show how one user's filter is composed, step by step", explain, RunExplain);
         AddCommand("check", "Report what is wrong with a configuration, and what to do", check, RunCheck);
-        AddCommand("report", "Tell who sees what: a row a user, a column a field", report, RunReport);
-        AddCommand("diff", "Tell who would see more or less under another configuration or other permissions", diff,
+        AddCommand("report", "Show what each user sees: one row for each user, one column for each field", report,
+                   RunReport);
+        AddCommand("diff", "Show who would see more or less with another configuration or other permissions", diff,
                    RunDiff);
     }
 

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace secm::acfilter {
 
@@ -23,6 +24,15 @@ struct RequestOptions {
     std::string ipAddress;
     bool withoutLogin = false;
     Format format = Format::text;
+};
+
+/// Changes of attributes and grants that are tried.
+struct ChangeOptions {
+    bool IsEmpty() const { return attributes.empty() && grants.empty() && revocations.empty(); }
+
+    std::vector<std::string> attributes;  ///< NAME=VALUE
+    std::vector<std::string> grants;      ///< NAME:VALUE or NAME:VALUE:RESOURCE
+    std::vector<std::string> revocations; ///< NAME or NAME:RESOURCE
 };
 
 } // namespace secm::acfilter

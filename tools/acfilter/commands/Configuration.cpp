@@ -76,14 +76,21 @@ std::shared_ptr<const CFG_Candidate> UseConfiguration(const HostOptions& options
 
 void RequireRepository(const std::string& repository, const std::string& path)
 {
-    const std::unique_ptr<CFG_RepositoryServices> node(
-        CFG_Factory::GetRepositoryServices()->GetSubTree(RWCString(configuration_paths::repositories + repository)));
-    if (!node) {
-        throw std::runtime_error(fmt::format("{}: there is no repository '{}'; correct --repository, or add its table "
-                                             "under [{}]",
-                                             path, repository,
-                                             configuration_paths::Dotted(configuration_paths::repositories)));
+    std::string table = configuration_paths::repositories;
+    table.pop_back(); // the separator
+    const std::unique_ptr<CFG_NameList> names(CFG_Factory::GetRepositoryServices()->GetChildNames(RWCString(table)));
+    std::string others;
+    for (int index = 0; names && index < names->GetCount(); ++index) {
+        if (names->GetName(index) == repository) {
+            return;
+        }
+        others += fmt::format("{}'{}'", others.empty() ? "" : ", ", names->GetName(index));
     }
+    throw std::runtime_error(
+        others.empty()
+            ? fmt::format("{}: there is no repository '{}', nor any other; add its table under [{}]", path, repository,
+                          configuration_paths::Dotted(table))
+            : fmt::format("{}: there is no repository '{}'; the repositories are: {}", path, repository, others));
 }
 
 } // namespace secm::acfilter

@@ -2,6 +2,7 @@
 
 #include "SECM_AccessControl/SECM_AccessControlInterface.h"
 #include "analysis/trace/Tracer.h"
+#include "platform/security_manager/SECM_Listing.h"
 
 #include <stdexcept>
 
@@ -9,12 +10,21 @@ namespace secm::acfilter {
 
 namespace {
 
-void RequireConnection(bool isConnected, const std::string& option)
+// The security manager only logs why it refuses. A listing of the same database throws the reason.
+void RequireConnection(bool isConnected, const HostOptions& options, const std::string& option)
 {
-    if (!isConnected) {
-        throw std::runtime_error("the security database given by " + option +
-                                 " refused the connection; the reason is logged at level 3");
+    if (isConnected) {
+        return;
     }
+    if (openSECM_Listing != nullptr) {
+        try {
+            openSECM_Listing(options.securityDatabase.c_str(), options.timeoutSeconds);
+        } catch (const std::runtime_error& error) {
+            throw std::runtime_error(option + ": " + error.what());
+        }
+    }
+    throw std::runtime_error("the security database given by " + option +
+                             " refused the connection; the reason is logged at level 3");
 }
 
 } // namespace
@@ -22,12 +32,12 @@ void RequireConnection(bool isConnected, const std::string& option)
 void Connect(SECM_AccessControlInterface& accessControl, const HostOptions& options, const std::string& option)
 {
     RequireConnection(accessControl.InitSecurityConnection(options.securityDatabase.c_str(), options.timeoutSeconds),
-                      option);
+                      options, option);
 }
 
 void Connect(analysis::Tracer& tracer, const HostOptions& options, const std::string& option)
 {
-    RequireConnection(tracer.Connect(options.securityDatabase.c_str(), options.timeoutSeconds), option);
+    RequireConnection(tracer.Connect(options.securityDatabase.c_str(), options.timeoutSeconds), options, option);
 }
 
 } // namespace secm::acfilter

@@ -9,6 +9,7 @@
 #include "tools/acfilter/commands/FileOutput.h"
 #include "tools/acfilter/commands/ListedNames.h"
 #include "tools/acfilter/commands/Log.h"
+#include "tools/acfilter/commands/TriedChanges.h"
 #include "tools/acfilter/commands/UserSource.h"
 #include "tools/acfilter/io/OutputFile.h"
 #include "tools/acfilter/io/Progress.h"
@@ -29,8 +30,8 @@ public:
     /// `configurationOption` and `securityOption` name the options that gave the configuration and the database, for
     /// errors.
     Side(std::string sideName, const HostOptions& host, const char* configurationOption,
-         const std::string& securityOption)
-        : name(std::move(sideName)), tracer(MakeTracer(host, configurationOption))
+         const std::string& securityOption, const analysis::WhatIf& tried)
+        : name(std::move(sideName)), tracer(MakeTracer(host, configurationOption, tried))
     {
         Connect(tracer, host, securityOption);
     }
@@ -47,11 +48,12 @@ public:
     const analysis::RepositoryRules& Rules() const { return tracer.Rules(); }
 
 private:
-    static analysis::Tracer MakeTracer(const HostOptions& host, const char* configurationOption)
+    static analysis::Tracer MakeTracer(const HostOptions& host, const char* configurationOption,
+                                       const analysis::WhatIf& tried)
     {
         const CFG_CandidateScope scope(ReadConfiguration(host.configuration, configurationOption));
         RequireRepository(host.repository, host.configuration);
-        return analysis::Tracer(host.repository);
+        return analysis::Tracer(host.repository, tried);
     }
 
     std::string name;
@@ -61,9 +63,35 @@ private:
 HostOptions HostAfter(const DiffOptions& options)
 {
     HostOptions host = options.host;
-    host.configuration = options.toConfiguration;
+    host.configuration = options.toConfiguration.value_or(host.configuration);
     host.securityDatabase = options.toSecurityDatabase.value_or(host.securityDatabase);
     return host;
+}
+
+void RequireUse(const DiffOptions& options)
+{
+    const bool isNamed = options.forUser || options.forGroup;
+    if (!options.changes.IsEmpty() && !isNamed) {
+        throw UsageError(
+            "--attribute, --grant and --revoke need --for-user or --for-group, which names the user or the "
+            "group whom they concern");
+    }
+    if (options.changes.IsEmpty() && isNamed) {
+        throw UsageError("--for-user and --for-group need a change: --attribute, --grant or --revoke");
+    }
+    if (!options.toConfiguration && !options.toSecurityDatabase && !isNamed) {
+        throw UsageError("there is nothing to compare with; give --to, --to-security, or --grant, --revoke or "
+                         "--attribute with --for-user or --for-group");
+    }
+}
+
+analysis::WhatIf ChangesAfter(const DiffOptions& options)
+{
+    analysis::WhatIf tried = WhatIfFrom(options.changes);
+    if (options.forUser || options.forGroup) {
+        tried.grantee = {options.forGroup.has_value(), options.forGroup ? *options.forGroup : *options.forUser};
+    }
+    return tried;
 }
 
 bool HasOtherDatabase(const DiffOptions& options)
@@ -128,8 +156,10 @@ void RequireSomebody(const DiffSummary& summary)
 class Diff {
 public:
     Diff(const DiffOptions& diffOptions, DiffWriter& diffWriter)
-        : options(diffOptions), writer(diffWriter), before("before", options.host, "--config", "--security"),
-          after("after", HostAfter(options), "--to", options.toSecurityDatabase ? "--to-security" : "--security"),
+        : options(diffOptions), writer(diffWriter), tried(ChangesAfter(options)),
+          before("before", options.host, "--config", "--security", {}),
+          after("after", HostAfter(options), options.toConfiguration ? "--to" : "--config",
+                options.toSecurityDatabase ? "--to-security" : "--security", tried),
           comparison(before.Rules().settings, after.Rules().settings,
                      {options.excluding.begin(), options.excluding.end()})
     {
@@ -153,9 +183,23 @@ public:
         } else {
             ForEachUserOfDatabase(options.host, compare);
         }
+        RequireTried();
     }
 
 private:
+    // A misspelt name must not look like a change without consequences.
+    void RequireTried() const
+    {
+        if (tried.grantee && !isTriedOnSomebody) {
+            throw std::runtime_error(
+                tried.grantee->isGroup
+                    ? fmt::format("no user who was compared is in the group '{}'; correct --for-group",
+                                  tried.grantee->name)
+                    : fmt::format("no user who was compared has the name '{}'; correct --for-user",
+                                  tried.grantee->name));
+        }
+    }
+
     // Everybody whom one of the two databases knows, once.
     void CompareUsersOfBoth(const UserHandler& compare)
     {
@@ -180,6 +224,7 @@ private:
         const analysis::Trace old = before.Explain(request);
         const analysis::Trace now = after.Explain(request);
         writer.Add(comparison.Compare(old, now));
+        isTriedOnSomebody = isTriedOnSomebody || now.tried.isApplied;
         if (IsUnknown(old) && IsUnknown(now)) {
             writer.AddUnknown(UnknownUserOf(request, before, after));
         }
@@ -193,6 +238,8 @@ private:
 
     const DiffOptions& options;
     DiffWriter& writer;
+    analysis::WhatIf tried;
+    bool isTriedOnSomebody = false;
     Side before;
     Side after;
     analysis::TraceComparison comparison;
@@ -203,11 +250,12 @@ private:
 
 ExitStatus RunDiff(const DiffOptions& options)
 {
+    RequireUse(options);
     RequireUsersFrom(options.usersFrom);
     OutputFile file(std::nullopt);
     FileOutput output(file);
-    DiffWriter writer({options.host.repository, options.host.configuration, options.toConfiguration,
-                       HasOtherDatabase(options), options.excluding},
+    DiffWriter writer({options.host.repository, options.host.configuration, HostAfter(options).configuration,
+                       HasOtherDatabase(options), options.excluding, ChangesAfter(options)},
                       output, options.request.format == Format::json, options.isFull);
     StartLog(options.host);
     { // removes the line of progress before the answer is written

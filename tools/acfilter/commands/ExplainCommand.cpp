@@ -1,6 +1,9 @@
 #include "tools/acfilter/commands/ExplainCommand.h"
 
+#include "analysis/check/ChangeCheck.h"
+#include "analysis/trace/GrantOrigins.h"
 #include "analysis/trace/Tracer.h"
+#include "platform/security_manager/SECM_Listing.h"
 #include "tools/acfilter/commands/Configuration.h"
 #include "tools/acfilter/commands/Connection.h"
 #include "tools/acfilter/commands/Errors.h"
@@ -10,8 +13,6 @@
 #include "tools/acfilter/io/StandardStreams.h"
 #include "tools/acfilter/render/Explanation.h"
 
-#include <fmt/format.h>
-
 #include <optional>
 #include <utility>
 
@@ -19,36 +20,23 @@ namespace secm::acfilter {
 
 namespace {
 
-analysis::WhatIf TriedChanges(const ExplainOptions& options)
+Explanation Explained(analysis::Tracer& tracer, const analysis::Request& request, const HostOptions& host)
 {
-    analysis::WhatIf tried;
-    for (const std::string& text : options.attributes) {
-        const auto attribute = AttributeFrom(text);
-        if (!attribute) {
-            throw UsageError(fmt::format("--attribute: '{}' is not of the form NAME=VALUE", text));
-        }
-        tried.attributes.insert_or_assign(attribute->first, attribute->second);
+    Explanation explanation;
+    explanation.trace = tracer.ExplainAll(request);
+    if (openSECM_Listing != nullptr) {
+        const auto listing = openSECM_Listing(host.securityDatabase.c_str(), host.timeoutSeconds);
+        explanation.grants = analysis::GrantsOf(explanation.trace, *listing);
     }
-    for (const std::string& text : options.grants) {
-        const auto grant = GrantFrom(text);
-        if (!grant) {
-            throw UsageError(fmt::format("--grant: '{}' is not of the form NAME:VALUE or NAME:VALUE:RESOURCE with a "
-                                         "value from 0 to 4294967295",
-                                         text));
-        }
-        tried.grants.push_back(*grant);
-    }
-    for (const std::string& text : options.revocations) {
-        tried.revocations.push_back({text});
-    }
-    return tried;
+    explanation.notes = analysis::ChangesWithoutEffect(tracer.Rules(), explanation.trace.tried);
+    return explanation;
 }
 
 } // namespace
 
 ExitStatus RunExplain(const ExplainOptions& options)
 {
-    analysis::WhatIf tried = TriedChanges(options);
+    analysis::WhatIf tried = WhatIfFrom(options.changes);
     OutputFile output(std::nullopt);
     StartLog(options.host);
     UseConfiguration(options.host);
@@ -57,9 +45,10 @@ ExitStatus RunExplain(const ExplainOptions& options)
     Connect(tracer, options.host);
 
     const analysis::Request request{options.user, options.request.ipAddress, options.request.withoutLogin};
-    const analysis::Trace trace = AskFor(options.user, [&] { return tracer.Explain(request); });
+    const Explanation explanation = AskFor(options.user, [&] { return Explained(tracer, request, options.host); });
     const TextStyle style{options.isFull, OutputTakesColours(), OutputIsTerminal()};
-    output.Write(options.request.format == Format::json ? ExplanationJson(trace) : ExplanationText(trace, style));
+    output.Write(options.request.format == Format::json ? ExplanationJson(explanation)
+                                                        : ExplanationText(explanation, style));
     output.Finish();
     return ExitStatus::success;
 }

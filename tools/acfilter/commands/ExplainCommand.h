@@ -5,7 +5,6 @@
 #include "tools/acfilter/commands/ExitStatus.h"
 
 #include <string>
-#include <vector>
 
 namespace secm::acfilter {
 
@@ -13,9 +12,7 @@ struct ExplainOptions {
     HostOptions host;
     RequestOptions request; ///< With the format text or json.
     bool isFull = false;
-    std::vector<std::string> attributes;  ///< NAME=VALUE
-    std::vector<std::string> grants;      ///< NAME:VALUE or NAME:VALUE:RESOURCE
-    std::vector<std::string> revocations; ///< NAME or NAME:RESOURCE
+    ChangeOptions changes;
     std::string user;
 };
 

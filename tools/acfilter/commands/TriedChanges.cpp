@@ -1,5 +1,9 @@
 #include "tools/acfilter/commands/TriedChanges.h"
 
+#include "tools/acfilter/commands/Errors.h"
+
+#include <fmt/format.h>
+
 #include <charconv>
 
 namespace secm::acfilter {
@@ -32,6 +36,31 @@ std::optional<PermissionBase> GrantFrom(const std::string& text)
         }
     }
     return std::nullopt;
+}
+
+analysis::WhatIf WhatIfFrom(const ChangeOptions& options)
+{
+    analysis::WhatIf tried;
+    for (const std::string& text : options.attributes) {
+        const auto attribute = AttributeFrom(text);
+        if (!attribute) {
+            throw UsageError(fmt::format("--attribute: '{}' is not of the form NAME=VALUE", text));
+        }
+        tried.attributes.insert_or_assign(attribute->first, attribute->second);
+    }
+    for (const std::string& text : options.grants) {
+        const auto grant = GrantFrom(text);
+        if (!grant) {
+            throw UsageError(fmt::format("--grant: '{}' is not of the form NAME:VALUE or NAME:VALUE:RESOURCE with a "
+                                         "value from 0 to 4294967295",
+                                         text));
+        }
+        tried.grants.push_back(*grant);
+    }
+    for (const std::string& text : options.revocations) {
+        tried.revocations.push_back({text});
+    }
+    return tried;
 }
 
 } // namespace secm::acfilter

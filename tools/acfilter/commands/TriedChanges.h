@@ -1,7 +1,9 @@
 // Parses the values of the options --attribute and --grant.
 #pragma once
 
+#include "analysis/trace/WhatIf.h"
 #include "platform/security_manager/PermissionBase.h"
+#include "tools/acfilter/commands/CommonOptions.h"
 
 #include <optional>
 #include <string>
@@ -15,5 +17,8 @@ std::optional<std::pair<std::string, std::string>> AttributeFrom(const std::stri
 /// NAME:VALUE[:RESOURCE], where the value is a whole number from 0 to 4294967295 and without a resource the permission
 /// is held outright. No value when `text` has another form.
 std::optional<PermissionBase> GrantFrom(const std::string& text);
+
+/// The changes of the options. Throws UsageError for a text of another form.
+analysis::WhatIf WhatIfFrom(const ChangeOptions& options);
 
 } // namespace secm::acfilter

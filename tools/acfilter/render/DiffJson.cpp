@@ -1,9 +1,20 @@
 // A diff as programs read it. The keys are documented and stay.
 #include "tools/acfilter/render/DiffWriter.h"
 
+#include "tools/acfilter/render/Changes.h"
 #include "tools/acfilter/render/Json.h"
 
 namespace secm::acfilter {
+
+namespace {
+
+// The user or the group whom the changes concern; null when it is the other, or when there are none.
+Json GranteeOf(const analysis::WhatIf& tried, bool isGroup)
+{
+    return tried.grantee && tried.grantee->isGroup == isGroup ? Json(tried.grantee->name) : Json(nullptr);
+}
+
+} // namespace
 
 std::string SummaryJson(const DiffSummary& summary)
 {
@@ -11,7 +22,10 @@ std::string SummaryJson(const DiffSummary& summary)
                    {"before", summary.head.before},
                    {"after", summary.head.after},
                    {"otherSecurityDatabase", summary.head.hasOtherDatabase},
-                   {"excluding", summary.head.excluding}};
+                   {"excluding", summary.head.excluding},
+                   {"whatIf", ChangesJson(summary.head.tried, false)},
+                   {"forUser", GranteeOf(summary.head.tried, false)},
+                   {"forGroup", GranteeOf(summary.head.tried, true)}};
     for (const analysis::Change change :
          {analysis::Change::wider, analysis::Change::changed, analysis::Change::narrower, analysis::Change::same}) {
         object[NameOf(change)] = summary.CountOf(change);

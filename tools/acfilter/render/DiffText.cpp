@@ -1,6 +1,7 @@
 // A diff as people read it.
 #include "tools/acfilter/render/DiffWriter.h"
 
+#include "tools/acfilter/render/Changes.h"
 #include "tools/acfilter/render/Printable.h"
 #include "tools/acfilter/render/TextLayout.h"
 
@@ -66,6 +67,10 @@ std::string SummaryText(const DiffSummary& summary)
     for (const std::string& field : head.excluding) {
         excluding += (excluding.empty() ? "" : ", ") + Printable(field);
     }
+    std::string changes;
+    for (const std::string& change : ChangesInWords(head.tried, false)) {
+        changes += LabelledLine(0, changes.empty() ? "What if" : "", change);
+    }
     std::string settings;
     for (const analysis::SettingChange& setting : summary.settings) {
         settings += LabelledLine(0, "Setting",
@@ -75,6 +80,7 @@ std::string SummaryText(const DiffSummary& summary)
     return LabelledLine(0, "Repository", Quoted(head.repository)) + LabelledLine(0, "Before", Printable(head.before)) +
            LabelledLine(0, "After",
                         Printable(head.after) + (head.hasOtherDatabase ? ", with another security database" : "")) +
+           changes +
            LabelledLine(
                0, "Users",
                fmt::format("{}: {}{} the same", summary.CountOfAll(), kinds, summary.CountOf(analysis::Change::same))) +

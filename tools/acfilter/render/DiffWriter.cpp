@@ -19,7 +19,7 @@ const char* TitleOf(analysis::Change change)
     case analysis::Change::narrower:
         return "Narrower";
     default:
-        return "Changed, so that it cannot be told";
+        return "Changed; whether they see more is not known";
     }
 }
 

@@ -21,6 +21,7 @@ struct DiffHead {
     std::string after;
     bool hasOtherDatabase = false;
     std::vector<std::string> excluding;
+    analysis::WhatIf tried; ///< On the side after.
 };
 
 /// A user whom neither side knows.

@@ -1,9 +1,11 @@
 // An explained answer, for people and for programs.
 #pragma once
 
+#include "analysis/trace/GrantOrigins.h"
 #include "analysis/trace/Trace.h"
 
 #include <string>
+#include <vector>
 
 namespace secm::acfilter {
 
@@ -13,10 +15,18 @@ struct TextStyle {
     bool isForTerminal = false; ///< Control characters of the filter are escaped too.
 };
 
-std::string ExplanationText(const analysis::Trace& trace, const TextStyle& style);
+/// An answer with what is known about it.
+struct Explanation {
+    analysis::Trace trace;
+    /// Of the fields of the trace, as analysis::GrantsOf gives them; empty when the security manager lists no grants.
+    std::vector<analysis::FieldGrants> grants;
+    std::vector<std::string> notes; ///< Sentences about the changes that were tried.
+};
+
+std::string ExplanationText(const Explanation& explanation, const TextStyle& style);
 
 /// One JSON object on one line, as JsonLine writes it.
-std::string ExplanationJson(const analysis::Trace& trace);
+std::string ExplanationJson(const Explanation& explanation);
 
 /// The answer alone, likewise.
 std::string AnswerJson(const std::string& userName, const analysis::Answer& answer);

@@ -2,6 +2,7 @@
 #include "tools/acfilter/render/Explanation.h"
 
 #include "analysis/trace/Reasons.h"
+#include "tools/acfilter/render/Changes.h"
 #include "tools/acfilter/render/Json.h"
 #include "tools/acfilter/render/TextLayout.h"
 
@@ -12,23 +13,6 @@ namespace {
 Json JsonOf(const analysis::AttributeTrace& attribute)
 {
     return {{"attribute", attribute.name}, {"value", attribute.value ? Json(*attribute.value) : Json(nullptr)}};
-}
-
-Json JsonOf(const analysis::WhatIf& tried)
-{
-    Json changes = Json::array();
-    for (const auto& [name, value] : tried.attributes) {
-        changes.push_back({{"attribute", name}, {"value", value}});
-    }
-    for (const auto& revocation : tried.revocations) {
-        changes.push_back({{"revoke", revocation.permission}, {"revoked", revocation.revoked}});
-    }
-    for (const PermissionBase& grant : tried.grants) {
-        changes.push_back({{"grant", grant.name()},
-                           {"value", grant.value()},
-                           {"resource", grant.resource() != nullptr ? Json(grant.resource()) : Json(nullptr)}});
-    }
-    return changes;
 }
 
 Json JsonOf(const analysis::ConditionTrace& condition)
@@ -46,7 +30,22 @@ Json JsonOf(const analysis::ConditionTrace& condition)
             {"emptyBecause", TextOrNull(analysis::WhyEmpty(condition))}};
 }
 
-Json JsonOf(const analysis::FieldTrace& field)
+Json JsonOf(const analysis::FieldGrants& grants)
+{
+    Json rows = Json::array();
+    for (const SECM_Grant& grant : grants.grants) {
+        const char* resource = grant.permission.resource();
+        rows.push_back({{"position", grant.position},
+                        {"to", grant.isToGroup ? "group" : "user"},
+                        {"grantee", grant.grantee},
+                        {"value", grant.permission.value()},
+                        {"resource", resource != nullptr ? Json(resource) : Json(nullptr)}});
+    }
+    return rows;
+}
+
+// `grants` is null when the security manager lists no grants.
+Json JsonOf(const analysis::FieldTrace& field, const analysis::FieldGrants* grants)
 {
     Json values = Json::array();
     for (const analysis::ValueTrace& value : field.values) {
@@ -66,28 +65,40 @@ Json JsonOf(const analysis::FieldTrace& field)
             {"values", std::move(values)},
             {"conditions", std::move(conditions)},
             {"clause", field.clause},
-            {"restrictsNothing", analysis::RestrictsNothing(field)}};
+            {"restrictsNothing", analysis::RestrictsNothing(field)},
+            {"grants", grants != nullptr ? JsonOf(*grants) : Json(nullptr)},
+            {"nearMisses", grants != nullptr ? Json(grants->nearMisses) : Json(nullptr)}};
+}
+
+// `first` is the index in the grants of the first of `traced`.
+Json JsonOf(const std::vector<analysis::FieldTrace>& traced, const std::vector<analysis::FieldGrants>& grants,
+            std::size_t first)
+{
+    Json fields = Json::array();
+    for (std::size_t index = 0; index < traced.size(); ++index) {
+        fields.push_back(JsonOf(traced[index], grants.empty() ? nullptr : &grants.at(first + index)));
+    }
+    return fields;
 }
 
 } // namespace
 
-std::string ExplanationJson(const analysis::Trace& trace)
+std::string ExplanationJson(const Explanation& explanation)
 {
-    Json fields = Json::array();
-    for (const analysis::FieldTrace& field : trace.fields) {
-        fields.push_back(JsonOf(field));
-    }
+    const analysis::Trace& trace = explanation.trace;
     const Json object = {{"user", trace.request.userName},
                          {"repository", trace.repository},
                          {"login", !trace.request.withoutLogin},
                          {"ip", trace.request.ipAddress},
-                         {"whatIf", JsonOf(trace.tried)},
+                         {"whatIf", ChangesJson(trace.tried, true)},
                          {"outcome", NameOf(trace.answer.outcome)},
                          {"because", TextOrNull(analysis::WhyNotComposed(trace))},
                          {"group", trace.groupName ? Json(*trace.groupName) : Json(nullptr)},
-                         {"fields", std::move(fields)},
+                         {"fields", JsonOf(trace.fields, explanation.grants, 0)},
+                         {"laterFields", JsonOf(trace.later, explanation.grants, trace.fields.size())},
                          {"filter", trace.answer.filter},
-                         {"note", trace.answer.filter.empty() ? Json(noRestriction) : Json(nullptr)}};
+                         {"note", trace.answer.filter.empty() ? Json(noRestriction) : Json(nullptr)},
+                         {"notes", explanation.notes}};
     return JsonLine(object);
 }
 

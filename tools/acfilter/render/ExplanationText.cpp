@@ -2,6 +2,7 @@
 #include "tools/acfilter/render/Explanation.h"
 
 #include "analysis/trace/Reasons.h"
+#include "tools/acfilter/render/Changes.h"
 #include "tools/acfilter/render/Printable.h"
 #include "tools/acfilter/render/TextLayout.h"
 
@@ -56,21 +57,9 @@ public:
 void WriteTried(TextWriter& out, const analysis::WhatIf& tried)
 {
     const char* label = "What if";
-    const auto write = [&](const std::string& change) {
+    for (const std::string& change : ChangesInWords(tried, true)) {
         out.Line(0, label, change, Colour::careful);
         label = "";
-    };
-    for (const auto& [name, value] : tried.attributes) {
-        write(fmt::format("the user had the attribute {} = {}", Printable(name), Quoted(value)));
-    }
-    for (const auto& revocation : tried.revocations) {
-        write(fmt::format("the user had not {} {}", Quoted(revocation.permission),
-                          revocation.revoked == 0 ? "(nor has it today: nothing changes by this)"
-                                                  : fmt::format("({} of today's grants)", revocation.revoked)));
-    }
-    for (const PermissionBase& grant : tried.grants) {
-        write(fmt::format("the user had {}, value {}, {}", Quoted(grant.name()), grant.value(),
-                          grant.resource() != nullptr ? "for the resource " + Quoted(grant.resource()) : "outright"));
     }
     if (*label == '\0') {
         out.Line(0, "", "This is not what the user sees today, and nothing was changed.", Colour::careful);
@@ -121,6 +110,25 @@ void WriteValues(TextWriter& out, const std::vector<analysis::ValueTrace>& value
     }
 }
 
+std::string GrantText(const SECM_Grant& grant)
+{
+    const char* resource = grant.permission.resource();
+    return fmt::format("{}to {} at position {}", resource != nullptr ? Quoted(resource) + " " : "",
+                       grant.isToGroup ? "the group " + Quoted(grant.grantee) : "the user", grant.position);
+}
+
+void WriteGrants(TextWriter& out, const analysis::FieldGrants& grants)
+{
+    if (!grants.grants.empty()) {
+        out.Line(3, "granted",
+                 out.List(grants.grants.size(), [&](std::size_t n) { return GrantText(grants.grants[n]); }),
+                 Colour::faint);
+    }
+    for (std::size_t index = 0; index < grants.nearMisses.size() && out.TakesAnother(index); ++index) {
+        out.Line(3, "near miss", Printable(grants.nearMisses[index]), Colour::careful);
+    }
+}
+
 void WriteMapped(TextWriter& out, const analysis::FieldTrace& field, const analysis::ConditionTrace& condition)
 {
     const analysis::ConditionRule& rule = *condition.rule;
@@ -154,20 +162,23 @@ void WriteCondition(TextWriter& out, const analysis::FieldTrace& field, const an
              why.empty() ? Colour::none : Colour::careful);
 }
 
-void WriteField(TextWriter& out, const analysis::FieldTrace& field, std::size_t number)
+void WriteField(TextWriter& out, const analysis::FieldTrace& field, const analysis::FieldGrants& grants,
+                std::size_t number)
 {
     const std::string title = fmt::format("{}. {}: {}, value {}", number, Printable(field.rule->name),
                                           Printable(field.rule->permissionName), field.rule->permissionValue);
     out.Raw(fmt::format("\n{}\n", out.Coloured(title, field.isHeld ? Colour::faint : Colour::strong)));
     if (field.isHeld) {
         out.Line(3, "held", "outright: the field does not restrict the user", Colour::faint);
+        WriteGrants(out, grants);
         return;
     }
     if (!field.resourcesAreTold) {
-        out.Line(3, "resources", "could not be told: everything is hidden", Colour::alarm);
+        out.Line(3, "resources", "the security manager failed to list them: everything is hidden", Colour::alarm);
         return;
     }
     WriteValues(out, field.values);
+    WriteGrants(out, grants);
     if (field.conditions.empty()) {
         out.Line(3, "values", "none: everything is hidden", Colour::alarm);
         return;
@@ -197,19 +208,27 @@ void WriteFilter(TextWriter& out, const analysis::Trace& trace)
 
 } // namespace
 
-std::string ExplanationText(const analysis::Trace& trace, const TextStyle& style)
+std::string ExplanationText(const Explanation& explanation, const TextStyle& style)
 {
+    const analysis::Trace& trace = explanation.trace;
     TextWriter out(style);
     WriteHead(out, trace);
-    const std::vector<analysis::FieldTrace>& fields = trace.fields;
-    for (std::size_t index = 0; index < fields.size(); ++index) {
-        WriteField(out, fields[index], index + 1);
+    for (const std::string& note : explanation.notes) {
+        out.Line(0, "Note", Printable(note), Colour::careful);
     }
+    std::size_t number = 0;
+    const auto write = [&](const analysis::FieldTrace& field) {
+        WriteField(out, field, explanation.grants.empty() ? analysis::FieldGrants() : explanation.grants.at(number),
+                   number + 1);
+        ++number;
+    };
+    std::for_each(trace.fields.begin(), trace.fields.end(), write);
     if (!trace.notAsked.empty()) {
-        out.Raw("\nNot looked at, since everything is hidden already: " +
+        out.Raw("\nNot asked, because everything is hidden already: " +
                 out.List(trace.notAsked.size(), [&](std::size_t n) { return Printable(trace.notAsked[n]->name); }) +
-                "\n");
+                (trace.later.empty() ? "\n" : "\nFor information, what these fields would be:\n"));
     }
+    std::for_each(trace.later.begin(), trace.later.end(), write);
     WriteFilter(out, trace);
     return std::move(out.text);
 }
