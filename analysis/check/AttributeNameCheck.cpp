@@ -22,8 +22,8 @@ const std::string& AttributeNameCheck::Meant(const std::string& name)
 {
     const auto [found, isNew] = meant.try_emplace(name);
     if (isNew && asked.count(name) == 0) {
-        const auto near =
-            std::find_if(asked.begin(), asked.end(), [&](const std::string& each) { return IsMisspelt(name, each); });
+        const auto near = std::find_if(asked.begin(), asked.end(),
+                                       [&](const std::string& each) { return IsMisspeltName(name, each); });
         found->second = near != asked.end() ? *near : "";
     }
     return found->second;

@@ -230,7 +230,7 @@ void GranteeCheck::MisspeltGroups(FindingSink& sink) const
         const std::vector<std::string> parts = ListedValues(name);
         const auto meant = std::find_if(grantedGroups.begin(), grantedGroups.end(), [&](UserDirectory::Number other) {
             const std::string& right = known.GroupName(other);
-            return (IsMisspelt(name, right) && Appearance(name) != Appearance(right)) || // AC083 is about these
+            return (IsMisspeltName(name, right) && Appearance(name) != Appearance(right)) || // AC083 is about these
                    std::find(parts.begin(), parts.end(), right) != parts.end();
         });
         if (meant == grantedGroups.end()) {

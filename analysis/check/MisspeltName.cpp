@@ -45,7 +45,7 @@ void KeepDifferentWords(std::string_view& one, std::string_view& other)
 
 } // namespace
 
-bool IsMisspelt(const std::string& name, const std::string& right)
+bool IsMisspeltName(const std::string& name, const std::string& right)
 {
     constexpr std::size_t longEnoughForOne = 4;
     constexpr std::size_t longEnoughForTwo = 8;

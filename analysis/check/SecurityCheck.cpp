@@ -54,7 +54,7 @@ public:
         const auto [found, isNew] = misspelt.try_emplace(name);
         if (isNew) {
             for (const auto& [asked, checks] : byName) {
-                if (IsMisspelt(name, asked)) {
+                if (IsMisspeltName(name, asked)) {
                     found->second.insert(found->second.end(), checks.begin(), checks.end());
                 }
             }

@@ -56,13 +56,13 @@ bool IsAscii(std::string_view text)
                        [](char character) { return static_cast<signed char>(character) >= 0; });
 }
 
-bool IsBlank(ucs4_t character)
+bool IsBlankCharacter(ucs4_t character)
 {
     return character == ' ' || character == noBreakSpace || (character >= firstOfSpaces && character <= lastOfSpaces) ||
            character == narrowNoBreakSpace || character == ideographicSpace;
 }
 
-bool IsInvisible(ucs4_t character)
+bool IsInvisibleCharacter(ucs4_t character)
 {
     return character <= lastControl || character == deleteControl ||
            std::any_of(invisible.begin(), invisible.end(),
@@ -154,7 +154,7 @@ std::string Appearance(std::string_view text)
     std::string plain;
     bool isBehindBlank = false;
     for (const ucs4_t character : *characters) {
-        const bool isBlank = IsBlank(character);
+        const bool isBlank = IsBlankCharacter(character);
         if (isBlank && !isBehindBlank) {
             plain += ' ';
         } else if (!isBlank) {
@@ -172,9 +172,10 @@ std::string Cleaned(std::string_view text)
     if (!characters) {
         return std::string(text);
     }
-    std::erase_if(*characters, IsInvisible);
-    const auto first = std::find_if_not(characters->begin(), characters->end(), IsBlank);
-    const auto last = std::find_if_not(characters->rbegin(), std::make_reverse_iterator(first), IsBlank).base();
+    std::erase_if(*characters, IsInvisibleCharacter);
+    const auto first = std::find_if_not(characters->begin(), characters->end(), IsBlankCharacter);
+    const auto last =
+        std::find_if_not(characters->rbegin(), std::make_reverse_iterator(first), IsBlankCharacter).base();
     std::string cleaned;
     std::for_each(first, last, [&](ucs4_t character) { Append(cleaned, character); });
     return cleaned;
@@ -186,7 +187,7 @@ std::string HiddenFlaw(std::string_view text)
     if (!characters || characters->empty()) {
         return {};
     }
-    const auto found = std::find_if(characters->begin(), characters->end(), IsInvisible);
+    const auto found = std::find_if(characters->begin(), characters->end(), IsInvisibleCharacter);
     if (found != characters->end()) {
         return fmt::format("the invisible character U+{:04X}", static_cast<std::uint32_t>(*found));
     }
@@ -194,10 +195,10 @@ std::string HiddenFlaw(std::string_view text)
         return blank == ' ' ? std::string("a blank")
                             : fmt::format("the blank U+{:04X}", static_cast<std::uint32_t>(blank));
     };
-    if (IsBlank(characters->front())) {
+    if (IsBlankCharacter(characters->front())) {
         return nameOf(characters->front()) + " at its start";
     }
-    if (IsBlank(characters->back())) {
+    if (IsBlankCharacter(characters->back())) {
         return nameOf(characters->back()) + " at its end";
     }
     if (std::find(characters->begin(), characters->end(), noBreakSpace) != characters->end()) {
