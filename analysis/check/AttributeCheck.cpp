@@ -13,21 +13,22 @@ AttributeCheck::AttributeCheck(std::string ofName, std::string askedForBy, const
 {
 }
 
-AttributeCheck AttributeCheck::OfMyField(const CheckedRepository& repository, const CheckedDefinition& definition)
+AttributeCheck AttributeCheck::OfMyField(const CheckedRepository& repository, const CheckedDefinition& definition,
+                                         ConfiguredNames& names)
 {
     AttributeCheck check(AttributeName(definition.rule->myField), "my_field", definition.table.PlaceOf("my_field"),
                          true);
     for (const CheckedCondition& condition : definition.conditions) {
-        check.substitutions.emplace_back(CheckedScope{repository, definition, condition}, "", check.name);
+        check.substitutions.emplace_back(CheckedScope{repository, definition, condition}, "", check.name, names);
     }
     return check;
 }
 
-AttributeCheck AttributeCheck::OfToken(const CheckedScope& scope, const std::string& token)
+AttributeCheck AttributeCheck::OfToken(const CheckedScope& scope, const std::string& token, ConfiguredNames& names)
 {
     AttributeCheck check(AttributeName(token), fmt::format("the token '{}'", token), scope.PlaceOf("replace_fields"),
                          false);
-    check.substitutions.emplace_back(scope, token, check.name);
+    check.substitutions.emplace_back(scope, token, check.name, names);
     return check;
 }
 

@@ -13,8 +13,9 @@ namespace secm::analysis {
 class AttributeCheck {
 public:
     /// The attribute that my_field names: its value replaces %values% in all conditions.
-    static AttributeCheck OfMyField(const CheckedRepository& repository, const CheckedDefinition& definition);
-    static AttributeCheck OfToken(const CheckedScope& scope, const std::string& token);
+    static AttributeCheck OfMyField(const CheckedRepository& repository, const CheckedDefinition& definition,
+                                    ConfiguredNames& names);
+    static AttributeCheck OfToken(const CheckedScope& scope, const std::string& token, ConfiguredNames& names);
 
     const std::string& Name() const { return name; }
 

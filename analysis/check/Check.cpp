@@ -113,6 +113,15 @@ const std::vector<Finding>& ConfigurationCheck::Findings() const
     return checked->findings;
 }
 
+std::vector<std::string> ConfigurationCheck::Repositories() const
+{
+    std::vector<std::string> names;
+    for (const CheckedRepository& repository : checked->repositories) {
+        names.push_back(repository.Rules().repository);
+    }
+    return names;
+}
+
 std::vector<Finding> ConfigurationCheck::CheckGrants(SECM_ListingInterface& security) const
 {
     std::vector<Finding> findings;

@@ -38,9 +38,13 @@ public:
     /// assigned to; moving it keeps them.
     const std::vector<Finding>& Findings() const;
 
-    /// What is wrong with the grants and attributes under this configuration, and with the connection: sorted, each
-    /// finding once. Reads all grants and all attributes once and keeps none. It does not check whether the database is
-    /// damaged; SECM_ListingInterface::CheckIntegrity does. Throws what `security` throws.
+    /// The names of the repositories that are checked, in the order of the configuration.
+    std::vector<std::string> Repositories() const;
+
+    /// What is wrong with the users, grants and attributes under this configuration, and with the connection: sorted,
+    /// each finding once. Reads everything once, and keeps the users' names and some numbers of each grant. It does not
+    /// check whether the database is damaged; SECM_ListingInterface::CheckIntegrity does. Throws what `security`
+    /// throws.
     std::vector<Finding> CheckGrants(SECM_ListingInterface& security) const;
 
 private:

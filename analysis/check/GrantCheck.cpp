@@ -1,19 +1,19 @@
 #include "analysis/check/GrantCheck.h"
 
 #include "SECM_AccessControl/TemplateLanguage.h"
+#include "analysis/check/GrantRow.h"
+#include "analysis/check/Spelling.h"
+#include "analysis/check/TextAppearance.h"
 
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 
 namespace secm::analysis {
 
 namespace {
-
-std::string PositionOf(const SECM_Grant& grant)
-{
-    return fmt::format("that at position {}", grant.position);
-}
 
 template <class Predicate>
 const CheckedCondition* FirstCondition(const CheckedDefinition& definition, Predicate predicate)
@@ -27,6 +27,26 @@ bool LeavesValues(const CheckedCondition& condition)
     return condition.fillsTokens && condition.tokens.empty() && condition.Has(valuesPlaceholder);
 }
 
+bool SeemsToMeanEverything(const std::string& resource)
+{
+    constexpr std::array<std::string_view, 13> words = {"*",   "%",   "**",   "%%",     "*.*",    ".*",        "*:*",
+                                                        "all", "any", "null", "<null>", "(null)", "everything"};
+    return std::find(words.begin(), words.end(), Appearance(resource)) != words.end();
+}
+
+bool IsNearlyOwnValue(const std::string& resource, const FieldRule& field)
+{
+    constexpr std::array<std::string_view, 5> words = {"$my$", "{my}", "%my", "my%", "%%my%%"};
+    if (resource == ownValue) {
+        return false;
+    }
+    const std::string appearance = Appearance(resource);
+    return appearance == ownValue || std::find(words.begin(), words.end(), appearance) != words.end() ||
+           (resource.size() > ownValue.size() && resource.front() == '%' && Distance(resource, ownValue) == 1) ||
+           (!field.myField.empty() &&
+            (resource == field.myField || resource == "%" + AttributeName(field.myField) + "%"));
+}
+
 bool LeavesTokens(const CheckedCondition& condition)
 {
     return condition.fillsTokens && condition.HasToken() && !condition.Has(valuesPlaceholder);
@@ -34,29 +54,26 @@ bool LeavesTokens(const CheckedCondition& condition)
 
 } // namespace
 
-GrantCheck::GrantCheck(const CheckedRepository& repository, const CheckedDefinition& ofDefinition)
+GrantCheck::GrantCheck(const CheckedRepository& repository, const CheckedDefinition& ofDefinition,
+                       ConfiguredNames& names)
     : definition(ofDefinition), field(*definition.rule), leavingValues(FirstCondition(definition, LeavesValues)),
       leavingTokens(FirstCondition(definition, LeavesTokens))
 {
     for (const CheckedCondition& condition : definition.conditions) {
-        substitutions.emplace_back(CheckedScope{repository, definition, condition}, "", "");
+        substitutions.emplace_back(CheckedScope{repository, definition, condition}, "", "", names);
     }
 }
 
 void GrantCheck::Check(const SECM_Grant& grant)
 {
-    isNamed = true;
-    if (grant.permission.resource() == nullptr) {
-        // A user's outright grants add up. Whose they are is not kept, so that memory does not grow with the users.
-        outrightBits |= grant.permission.value();
-        isGranted = isGranted || (outrightBits & field.permissionValue) == field.permissionValue;
-        return;
-    }
     if ((grant.permission.value() & field.permissionValue) != field.permissionValue) {
         return;
     }
-    isGranted = true;
-    const std::string resource = grant.permission.resource();
+    if (ResourceOf(grant) == nullptr) {
+        return; // the field does not restrict its holders
+    }
+    const std::string resource = ResourceOf(grant);
+    CheckMeaning(resource, grant);
     if (resource.empty()) {
         return; // the module drops it
     }
@@ -69,32 +86,77 @@ void GrantCheck::Check(const SECM_Grant& grant)
     }
 }
 
+void GrantCheck::CheckMeaning(const std::string& resource, const SECM_Grant& grant)
+{
+    const std::string row = fmt::format("{}, which is '{}'", PositionOf(grant), resource);
+    if (resource.empty()) {
+        empty.Add(PositionOf(grant));
+    } else if (IsNearlyOwnValue(resource, field)) {
+        misspeltOwn.Add(row);
+    } else if (SeemsToMeanEverything(resource)) {
+        // Not a value that records have: another template compares with it, or a values function knows it.
+        // AC056 is about a wildcard in a pattern.
+        const bool isWildcard = std::any_of(substitutions.begin(), substitutions.end(),
+                                            [](const SubstitutionCheck& each) { return each.IsPattern(); });
+        const bool isValue =
+            isWildcard ||
+            std::any_of(definition.conditions.begin(), definition.conditions.end(), [&](const CheckedCondition& each) {
+                return each.rule->isMapped || each.Has("'" + resource + "'") || each.Has('"' + resource + '"');
+            });
+        if (!isValue) {
+            everything.Add(row);
+        }
+    }
+}
+
 void GrantCheck::CheckMisspelt(const SECM_Grant& grant)
 {
     misspelt[grant.permission.name()].Add(PositionOf(grant));
 }
 
-void GrantCheck::Report(FindingSink& sink) const
+void GrantCheck::Report(FindingSink& sink, FindingSink& shared) const
 {
-    NobodyIsGranted(sink);
     MisspeltPermissions(sink);
     OwnValueStays(sink);
     TokensStay(sink);
+    Everything(shared);
+    MisspeltOwnValues(shared);
     for (const SubstitutionCheck& substitution : substitutions) {
         substitution.Report(sink);
     }
 }
 
-void GrantCheck::NobodyIsGranted(FindingSink& sink) const
+void GrantCheck::Everything(FindingSink& shared) const
 {
-    if (!isGranted) {
-        sink.Warn(
-            "AC040", definition.table.PlaceOf("permission_name"),
-            fmt::format("nobody is granted '{}'{}", field.permissionName,
-                        isNamed ? fmt::format(" with all the bits of permission_value {}", field.permissionValue) : ""),
-            "every user who is known gets the hide-all filter",
-            isNamed ? "grant these bits, or ask for others in permission_value"
-                    : "grant it, or write the permission's name as in the security database");
+    const auto remedy = [&](const char* otherwise) {
+        return fmt::format("if '{}' is to be granted without restriction, set resource to NULL (without quotes) in "
+                           "security_permission, in these rows; {}",
+                           field.permissionName, otherwise);
+    };
+    if (empty.count != 0) {
+        shared.Warn("AC055", SecurityPlace(),
+                    fmt::format("resource is the empty text, which is not NULL, in {}",
+                                empty.InWords("grant", fmt::format(" of '{}'", field.permissionName))),
+                    "an empty resource is dropped: users who have no other grant get the hide-all filter",
+                    remedy("else write the resource, or delete them"));
+    }
+    if (everything.count != 0) {
+        shared.Warn("AC055", SecurityPlace(),
+                    fmt::format("resource seems to stand for everything in {}",
+                                everything.InWords("grant", fmt::format(" of '{}'", field.permissionName))),
+                    "it is a value like any other: users see only records that have this very text",
+                    remedy("if records have this text, this is no mistake"));
+    }
+}
+
+void GrantCheck::MisspeltOwnValues(FindingSink& shared) const
+{
+    if (misspeltOwn.count != 0) {
+        shared.Warn("AC089", SecurityPlace(),
+                    fmt::format("resource is nearly %my% in {}",
+                                misspeltOwn.InWords("grant", fmt::format(" of '{}'", field.permissionName))),
+                    "no attribute of the user takes its place: users see only records that have this very text",
+                    "set resource to '%my%', in small letters and without blanks, in security_permission");
     }
 }
 
@@ -102,10 +164,12 @@ void GrantCheck::MisspeltPermissions(FindingSink& sink) const
 {
     for (const auto& [name, grants] : misspelt) {
         sink.Warn("AC041", definition.table.PlaceOf("permission_name"),
-                  fmt::format("'{}', which no field asks for, stands in place of '{}' in {}", name,
+                  fmt::format("the permission '{}', which no field asks for, is nearly '{}' in {}", name,
                               field.permissionName, grants.InWords("grant")),
-                  "they count for nothing: users who have no other get the hide-all filter",
-                  "write the name alike in both places, upper and lower case and blanks too");
+                  "these grants have no effect: users who have no other get the hide-all filter",
+                  fmt::format("did you mean '{}'? then set permission_name to it in security_permission; upper and "
+                              "lower case and blanks count",
+                              field.permissionName));
     }
 }
 

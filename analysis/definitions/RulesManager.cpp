@@ -80,8 +80,6 @@ std::string InWords(const std::vector<OmissionReason>& reasons)
     return words;
 }
 
-RulesManager::RulesManager(const std::string& repository) : RulesManager(repository, DefinitionReader()) {}
-
 RulesManager::RulesManager(const std::string& repository, const DefinitionReader& definitions)
     : SECM_AccessControlManager(repository), rules{repository,
                                                    {hideAllFilter, defaultFilter, filterDelimiter, singleEqualOperator,

@@ -17,7 +17,6 @@ public:
     /// std::runtime_error when `definitions` does not fit, because the configuration changed since it was read. Does
     /// not keep `definitions`.
     RulesManager(const std::string& repository, const DefinitionReader& definitions);
-    explicit RulesManager(const std::string& repository);
 
     const RepositoryRules& Rules() const { return rules; }
 

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace secm::analysis {
 
@@ -18,6 +19,9 @@ public:
     /// `tried` gives them; nothing is written. Throws what SECM_AccessControlInterface::CreateInstance throws, and
     /// std::runtime_error when the configuration changed meanwhile.
     explicit Tracer(const std::string& repository, WhatIf tried = {});
+    /// Tracers of several repositories, as the constructor makes them, in the order of `repositories`. Lists the tables
+    /// of the configuration once for all.
+    static std::vector<Tracer> OfRepositories(const std::vector<std::string>& repositories);
     ~Tracer();
     Tracer(Tracer&& other) noexcept;
     Tracer& operator=(Tracer&& other) noexcept;
@@ -42,6 +46,8 @@ public:
 
 private:
     class __attribute__((visibility("hidden"))) TracingManager;
+    explicit Tracer(std::unique_ptr<TracingManager> tracing);
+
     std::unique_ptr<TracingManager> manager;
 };
 

@@ -37,8 +37,9 @@ private:
 
 } // namespace
 
-Tracer::TracingManager::TracingManager(const std::string& repository, WhatIf triedChanges)
-    : RulesManager(repository), tried(std::move(triedChanges)), recorder(Rules())
+Tracer::TracingManager::TracingManager(const std::string& repository, const DefinitionReader& definitions,
+                                       WhatIf triedChanges)
+    : RulesManager(repository, definitions), tried(std::move(triedChanges)), recorder(Rules())
 {
 }
 
@@ -177,8 +178,21 @@ bool Tracer::TracingManager::Resources(PermissionListInterface& list, const std:
 }
 
 Tracer::Tracer(const std::string& repository, WhatIf tried)
-    : manager(std::make_unique<TracingManager>(repository, std::move(tried)))
+    : Tracer(std::make_unique<TracingManager>(repository, DefinitionReader(), std::move(tried)))
 {
+}
+
+Tracer::Tracer(std::unique_ptr<TracingManager> tracing) : manager(std::move(tracing)) {}
+
+std::vector<Tracer> Tracer::OfRepositories(const std::vector<std::string>& repositories)
+{
+    const DefinitionReader definitions;
+    std::vector<Tracer> tracers;
+    tracers.reserve(repositories.size());
+    for (const std::string& repository : repositories) {
+        tracers.push_back(Tracer(std::make_unique<TracingManager>(repository, definitions, WhatIf())));
+    }
+    return tracers;
 }
 
 Tracer::~Tracer() = default;

@@ -16,7 +16,8 @@ namespace secm::analysis {
 
 class Tracer::TracingManager final : public RulesManager, private ListMatching {
 public:
-    TracingManager(const std::string& repository, WhatIf triedChanges);
+    /// Does not keep `definitions`.
+    TracingManager(const std::string& repository, const DefinitionReader& definitions, WhatIf triedChanges);
 
     bool InitSecurityConnection(const char* connectionText, unsigned connectionValue) override;
     Trace Explain(const Request& request) { return ExplainFrom(0, request); }

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 /// One permission as it was granted.
@@ -15,6 +16,20 @@ struct SECM_Grant {
     bool isToGroup;     ///< False: to a user.
     std::string grantee;
     PermissionBase permission;
+};
+
+/// One grant as it is stored, also when requests refuse it or when it reaches nobody.
+struct SECM_GrantRow {
+    SECM_Grant grant;        ///< The texts that can be read. When there is a fault, the permission has no name.
+    std::string fault;       ///< Why every request of a user who is granted it fails; empty: they do not.
+    std::string granteeType; ///< As stored. Only "user" and "group" reach anybody.
+    bool isOddlyConditional; ///< is_conditional is neither 0 nor 1; it counts as 1.
+};
+
+/// One user with the group.
+struct SECM_Member {
+    std::string userName;
+    std::optional<std::string> groupName; ///< Empty: no group. No value: the security manager does not list groups.
 };
 
 /// One attribute of one user.
@@ -49,7 +64,6 @@ public:
     virtual void CheckIntegrity() {}
     /// The risks of the connection that the security manager can detect.
     virtual void ForEachRisk(const std::function<void(const SECM_Risk& risk)>& /*handle*/) {}
-
     /// The grants to exactly this user and to exactly this group, by position; an empty group is no group.
     virtual void ForEachGrantTo(const std::string& userName, const std::string& groupName,
                                 const std::function<void(const SECM_Grant& grant)>& handle)
@@ -69,6 +83,16 @@ public:
                 handle(grant);
             }
         });
+    }
+    /// The users of ForEachUser with their groups, in its order. By default without the groups.
+    virtual void ForEachMember(const std::function<void(const SECM_Member& member)>& handle)
+    {
+        ForEachUser([&](const std::string& userName) { handle({userName, std::nullopt}); });
+    }
+    /// All grants by position, also those for which ForEachGrant throws. By default those of ForEachGrant.
+    virtual void ForEachGrantRow(const std::function<void(const SECM_GrantRow& row)>& handle)
+    {
+        ForEachGrant([&](const SECM_Grant& grant) { handle({grant, "", grant.isToGroup ? "group" : "user", false}); });
     }
 };
 

@@ -39,6 +39,15 @@ folded() { # COMMAND ARGUMENT...
     return $status
 }
 
+# Runs a check with a security database without the list of users who see everything or nothing.
+findings() { # COMMAND ARGUMENT...
+    status=0
+    "$@" >.findings || status=$?
+    sed -E '/^([0-9]+ errors?, |no findings)/q' .findings
+    rm .findings
+    return $status
+}
+
 # Hides what differs between servers in connection texts.
 any_server() { sed -E "s/(passfile|port)=[^ ']*/\1=.../g; s/, port [0-9]+, process [0-9]+/, port ..., process .../"; }
 

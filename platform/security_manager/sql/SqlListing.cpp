@@ -94,6 +94,56 @@ public:
             });
     }
 
+    void ForEachMember(const std::function<void(const SECM_Member&)>& handle) override
+    {
+        TextColumn name;
+        TextColumn group;
+        const Statement byName{"SECM_ListingInterface::ForEachMember", "listing the users",
+                               "SELECT user_name, group_name FROM security_user", "user_name > :last", "user_name"};
+        ReadPages<SECM_Member>(
+            byName, handle,
+            [&](soci::statement& page) {
+                page.exchange(soci::into(name.text, name.indicator));
+                page.exchange(soci::into(group.text, group.indicator));
+            },
+            [&](soci::statement& page, const SECM_Member& last) { page.exchange(soci::use(last.userName, "last")); },
+            [&]() -> SECM_Member {
+                const RowPlace place = PlaceOf("security_user", name);
+                return {name.At(place), group.At(place)};
+            },
+            [](const SECM_Member& one, const SECM_Member& other) { return one.userName == other.userName; });
+    }
+
+    void ForEachGrantRow(const std::function<void(const SECM_GrantRow&)>& handle) override
+    {
+        PermissionRow row;
+        TextColumn granteeType;
+        TextColumn grantee;
+        TextColumn storedValue;
+        int isOddlyConditional = 0;
+        const Statement byPosition{"SECM_ListingInterface::ForEachGrantRow", "listing the permissions",
+                                   std::string("SELECT ") + permissionColumns +
+                                       ", grantee_type, grantee, CAST(permission_value AS TEXT),"
+                                       " CASE WHEN is_conditional IN (0, 1) THEN 0 ELSE 1 END FROM security_permission",
+                                   "position > :last", "position"};
+        ReadPages<SECM_GrantRow>(
+            byPosition, handle,
+            [&](soci::statement& page) {
+                row.Bind(page);
+                for (TextColumn* column : {&granteeType, &grantee, &storedValue}) {
+                    page.exchange(soci::into(column->text, column->indicator));
+                }
+                page.exchange(soci::into(isOddlyConditional));
+            },
+            [&](soci::statement& page, const SECM_GrantRow& last) {
+                page.exchange(soci::use(last.grant.position, "last"));
+            },
+            [&] { return GrantRowOf(row, granteeType, grantee, storedValue, isOddlyConditional != 0); },
+            [](const SECM_GrantRow& one, const SECM_GrantRow& other) {
+                return one.grant.position == other.grant.position;
+            });
+    }
+
     void CheckIntegrity() override
     {
         Ask("SECM_ListingInterface::CheckIntegrity", "checking the integrity", [&] { connection.CheckIntegrity(); });
@@ -164,6 +214,30 @@ private:
     static RowPlace PlaceOf(const char* table, const TextColumn& userName)
     {
         return userName.indicator == soci::i_null ? RowPlace{table} : RowPlace{table, userName.text};
+    }
+
+    static SECM_GrantRow GrantRowOf(const PermissionRow& row, const TextColumn& granteeType, const TextColumn& grantee,
+                                    const TextColumn& storedValue, bool isOddlyConditional)
+    {
+        const RowPlace place{"security_permission", {}, row.position};
+        const auto textOf = [](const TextColumn& column) {
+            return column.indicator == soci::i_null ? std::string() : column.text;
+        };
+        SECM_GrantRow read{{row.position, textOf(granteeType) == "group", textOf(grantee), {"", 0, nullptr, false}},
+                           "",
+                           textOf(granteeType),
+                           isOddlyConditional};
+        try {
+            granteeType.At(place);
+            grantee.At(place);
+            read.grant.permission = row.Permission();
+        } catch (const std::runtime_error& error) {
+            read.fault = error.what();
+            if (row.value < 0) {
+                read.fault += fmt::format(", but '{}'", textOf(storedValue));
+            }
+        }
+        return read;
     }
 
     // Reads pages; each begins behind the last row of the page before. A statement that stayed open for a long list

@@ -55,4 +55,34 @@ std::string FindingJson(const analysis::Finding& finding)
                      {"remedy", finding.remedy}});
 }
 
+std::string SummaryText(const RepositorySummary& summary)
+{
+    std::string text;
+    for (const analysis::UsersOfOutcome& users : summary.users) {
+        std::string names;
+        for (const std::string& name : users.first) {
+            names += (names.empty() ? "" : ", ") + Printable(name);
+        }
+        const auto more = users.count - users.first.size();
+        text += fmt::format("{}: {} see{} {}: {}{}\n    because: {}\n", Printable(summary.repository),
+                            Counted(users.count, "user"), users.count == 1 ? "s" : "",
+                            users.outcome == analysis::Outcome::hideAll ? "nothing" : "everything", names,
+                            more == 0 ? "" : fmt::format(" and {} more", more), Printable(users.reason));
+    }
+    return text;
+}
+
+std::string SummaryJson(const RepositorySummary& summary)
+{
+    std::string lines;
+    for (const analysis::UsersOfOutcome& users : summary.users) {
+        lines += JsonLine({{"repository", summary.repository},
+                           {"outcome", analysis::NameOf(users.outcome)},
+                           {"count", users.count},
+                           {"users", users.first},
+                           {"because", users.reason}});
+    }
+    return lines;
+}
+
 } // namespace secm::acfilter
