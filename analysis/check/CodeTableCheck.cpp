@@ -66,8 +66,8 @@ void MisspeltDisplayName(const CheckedTable& code, FindingSink& sink)
 {
     for (const CFG_Entry& key : code.entries) {
         if (key.name != "display_name" && !Nearest(key.name, {"display_name"}).empty()) {
-            sink.Warn("AC031", key.place, fmt::format("the key '{}' is read by nobody", key.name),
-                      "no user's filter changes by it; what it was to set is missing", "did you mean 'display_name'?");
+            sink.Error("AC031", key.place, fmt::format("the key '{}' is read by nobody", key.name), thisValueIsEmpty,
+                       "did you mean 'display_name'?");
         }
     }
 }

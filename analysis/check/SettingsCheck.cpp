@@ -151,10 +151,10 @@ void OperatorsAreEmpty(const CheckedRepository& repository, FindingSink& sink)
 void ClausesRunTogether(const CheckedRepository& repository, FindingSink& sink)
 {
     if (repository.Rules().settings.filterDelimiter.empty() && repository.Rules().fields.size() > 1) {
-        sink.Warn("AC020", repository.table.PlaceOf("filter_delimiter"), repository.table.Lack("filter_delimiter"),
-                  "users whom two fields restrict get the two clauses side by side, which few query languages take "
-                  "for AND",
-                  "write what stands between two clauses, such as filter_delimiter = \" AND \"");
+        sink.Error("AC020", repository.table.PlaceOf("filter_delimiter"), repository.table.Lack("filter_delimiter"),
+                   "users whom two fields restrict get the two clauses side by side, which query languages refuse or "
+                   "take for OR",
+                   "write what stands between two clauses, such as filter_delimiter = \" AND \"");
     }
 }
 
@@ -162,10 +162,12 @@ void StrangersSeeEverything(const CheckedRepository& repository, FindingSink& si
 {
     const std::string& filter = repository.Rules().settings.defaultFilter;
     if (IsBlank(filter)) {
-        sink.Warn("AC033", repository.table.PlaceOf("default_filter"), Lack(repository, "default_filter", filter),
-                  fmt::format("users whom the security database does not know get {} and see every record",
-                              BlankFilter(filter)),
-                  "write what such users may see, such as default_filter = \"0 = 1\" for nothing");
+        sink.Error(
+            "AC033", repository.table.PlaceOf("default_filter"), Lack(repository, "default_filter", filter),
+            fmt::format("users whom the security database does not know get {} and see every record",
+                        BlankFilter(filter)),
+            "write what such users may see, such as default_filter = \"0 = 1\" for nothing (or \"1 = 1\" if they "
+            "are to see everything, which is a warning)");
     }
 }
 
