@@ -62,6 +62,7 @@ void CheckRepository(const CheckedRepository& repository, FindingSink& sink)
     CheckSettings(repository, sink);
     CheckWholeFilters(repository, sink);
     CheckOperators(repository, sink);
+    CheckLists(repository, sink);
     CheckJoins(repository, sink);
     for (const CheckedDefinition& definition : repository.definitions) {
         CheckDefinition(definition, sink);

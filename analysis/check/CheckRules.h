@@ -17,6 +17,7 @@ namespace secm::analysis {
 void CheckSettings(const CheckedRepository& repository, FindingSink& sink);
 void CheckWholeFilters(const CheckedRepository& repository, FindingSink& sink);
 void CheckOperators(const CheckedRepository& repository, FindingSink& sink);
+void CheckLists(const CheckedRepository& repository, FindingSink& sink);
 void CheckJoins(const CheckedRepository& repository, FindingSink& sink);
 void CheckDefinition(const CheckedDefinition& definition, FindingSink& sink);
 void CheckConditionNumbers(const CheckedDefinition& definition, FindingSink& sink);

@@ -11,6 +11,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace secm::analysis {
@@ -72,15 +73,15 @@ void JoinedTwice(const Join& join, FindingSink& sink)
     }
     for (const Part& part : join.parts) {
         const std::string text = LowerCase(WithoutOuterBlanks(OutsideQuotes(part.text)));
-        for (const std::string sign : {"and", "or"}) {
+        for (const auto& [sign, name] : {std::pair<std::string, const char*>("and", "AND"), {"or", "OR"}}) {
             const bool isFirst = text.starts_with(sign) && !IsWord(text.substr(sign.size()), true);
             const bool isLast =
                 text.ends_with(sign) && !IsWord(std::string_view(text).substr(0, text.size() - sign.size()), false);
             if (isFirst || isLast) {
                 sink.Error("AC019", part.place,
                            fmt::format("{} {} with {}, and {} joins it by '{}' already", part.name,
-                                       isFirst ? "begins" : "ends", sign, join.key, join.delimiter),
-                           "the filters of users whom it restricts break", fmt::format("remove {}", sign));
+                                       isFirst ? "begins" : "ends", name, join.key, join.delimiter),
+                           "the filters of users whom it restricts break", fmt::format("remove {}", name));
             }
         }
     }

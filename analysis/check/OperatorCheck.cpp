@@ -8,7 +8,9 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <array>
+#include <regex>
 #include <string>
 #include <string_view>
 
@@ -113,6 +115,34 @@ void DoesNotFit(const CheckedRepository& repository, bool forOne, FindingSink& s
     }
 }
 
+// Whether the template compares with one value by an operator of its own, and its list of several has commas.
+bool ComparesWithAList(const CheckedScope& scope)
+{
+    const std::string& text = scope.condition.rule->text;
+    const std::string before = LowerCase(text.substr(0, text.find(valuesPlaceholder)));
+    const std::string& delimiter = scope.repository.Rules().settings.valueMultiplicityDelimiter;
+    const bool isQuoted = before.ends_with('\'') || before.ends_with('"');
+    const bool hasQuotes = delimiter.find_first_of("'\"") != std::string::npos;
+    static const std::regex comparison(R"re((\blike|(^|[^=<>!])(=|==|<>|!=))\s*\(?\s*['"]?$)re");
+    const std::size_t farthestBack = 16; // enough for the operator; regular expressions recurse
+    const std::string end = before.substr(before.size() - std::min(before.size(), farthestBack));
+    return scope.condition.Has(valuesPlaceholder) && delimiter.find(',') != std::string::npos &&
+           isQuoted == hasQuotes && !end.ends_with("=in=(") && !end.ends_with("=out=(") &&
+           std::regex_search(end, comparison);
+}
+
+void OneValueOnly(const CheckedScope& scope, FindingSink& sink)
+{
+    if (ComparesWithAList(scope)) {
+        sink.Error("AC060", scope.PlaceOf("condition"),
+                   fmt::format("{} compares with one value, and two values give a list: {}",
+                               scope.condition.Key("condition"), FilledTemplate(scope).several),
+                   "the filters of users with several values break, or match other records",
+                   "write %equal_operator% in place of the operator, and parentheses around the values, such as "
+                   "column %equal_operator% ('%values%')");
+    }
+}
+
 } // namespace
 
 void CheckOperators(const CheckedRepository& repository, FindingSink& sink)
@@ -120,6 +150,11 @@ void CheckOperators(const CheckedRepository& repository, FindingSink& sink)
     OneIsNegated(repository, sink);
     DoesNotFit(repository, true, sink);
     DoesNotFit(repository, false, sink);
+    for (const CheckedDefinition& definition : repository.definitions) {
+        for (const CheckedCondition& condition : definition.conditions) {
+            OneValueOnly({repository, definition, condition}, sink);
+        }
+    }
 }
 
 } // namespace secm::analysis

@@ -12,6 +12,8 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace secm::analysis {
 
@@ -89,51 +91,36 @@ bool IsListInOneQuote(const ValuesFrame& frame, const FilledTemplate& filled, co
 void QuotesAndBrackets(const CheckedScope& scope, FindingSink& sink)
 {
     const std::string& text = scope.condition.rule->text;
-    const std::string key = scope.condition.Key("condition");
-    const FilledTemplate filled(scope);
     if (const auto unpaired = FindUnpaired(text)) {
-        ReportUnpaired(*unpaired, text, key, scope.PlaceOf("condition"), sink);
-    } else if (const ValuesFrame frame(text); frame.HasValues()) {
-        const FilterSettings& settings = scope.repository.Rules().settings;
-        const CheckedTable& table = scope.repository.table;
-        const bool hasDelimiter = !settings.valueMultiplicityDelimiter.empty();
-        if (hasDelimiter && (FindUnpaired(filled.several) || QuotesDiffer(frame, settings))) {
-            sink.Error("AC016", scope.PlaceOf("condition"),
-                       fmt::format("{} and the delimiter of values do not quote values alike: one value gives {}, two "
-                                   "give {}",
-                                   key, filled.one, filled.several),
-                       "the filters of users with one value or of those with several break, or a value is read as a "
-                       "part of the condition",
-                       fmt::format("write the same quotes around %values% and in value_multiplicity_delimiter "
-                                   "({}:{}), such as ('%values%') with \"', '\"; prefix and suffix stand around lists "
-                                   "only",
-                                   table.PlaceOf("value_multiplicity_delimiter").file,
-                                   table.PlaceOf("value_multiplicity_delimiter").line));
-        } else if (hasDelimiter && IsListInOneQuote(frame, filled, settings)) {
-            const char quote = LastQuote(frame.before);
-            sink.Error("AC016", scope.PlaceOf("condition"),
-                       fmt::format("{} quotes a list of values as one text: two values give {}", key, filled.several),
-                       "users with several values see other records than they were granted, or none",
-                       fmt::format("write the quotes into the delimiter too, such as value_multiplicity_delimiter = "
-                                   "{1}{0}{2}{0}{1}",
-                                   quote, quote == '\'' ? '"' : '\'', settings.valueMultiplicityDelimiter));
+        ReportUnpaired(*unpaired, text, scope.condition.Key("condition"), scope.PlaceOf("condition"), sink);
+    }
+}
+
+// A quote that a word processor puts in the place of ' or ", outside of quotes; empty when there is none.
+std::string_view TypographicQuote(std::string_view text)
+{
+    const std::string outside = OutsideQuotes(text);
+    for (const std::string_view quote : {"\u2018", "\u2019", "\u201A", "\u201C", "\u201D", "\u201E", "\u00B4"}) {
+        if (outside.find(quote) != std::string::npos) {
+            return quote;
         }
+    }
+    return "";
+}
+
+void ReportTypographicQuote(const CheckedTable& table, const std::string& key, FindingSink& sink)
+{
+    if (const std::string_view quote = TypographicQuote(table.Text(key)); !quote.empty()) {
+        sink.Error("AC064", table.PlaceOf(key), fmt::format("{} has the typographic quote {}", key, quote),
+                   "query languages do not read it as a quote: users' filters break, or values are read as a part of "
+                   "the condition",
+                   "write ' or \" instead; word processors replace them");
     }
 }
 
 void TypographicQuotes(const CheckedScope& scope, FindingSink& sink)
 {
-    const std::string outside = OutsideQuotes(scope.condition.rule->text);
-    for (const std::string_view quote : {"\u2018", "\u2019", "\u201A", "\u201C", "\u201D", "\u201E", "\u00B4"}) {
-        if (outside.find(quote) != std::string::npos) {
-            sink.Error("AC064", scope.PlaceOf("condition"),
-                       fmt::format("{} has the typographic quote {}", scope.condition.Key("condition"), quote),
-                       "query languages do not read it as a quote: users' filters break, or values are read as a part "
-                       "of the condition",
-                       "write ' or \" instead; word processors replace them");
-            return;
-        }
-    }
+    ReportTypographicQuote(scope.definition.table, scope.condition.Key("condition"), sink);
 }
 
 void EndsEarly(const CheckedScope& scope, FindingSink& sink)
@@ -213,7 +200,77 @@ void MatchesEverything(const CheckedScope& scope, FindingSink& sink)
     }
 }
 
+// How a list of values is quoted in a template.
+enum class ListQuotes { right, other, one };
+
+ListQuotes ListQuotesOf(const CheckedScope& scope)
+{
+    const FilterSettings& settings = scope.repository.Rules().settings;
+    const std::string& text = scope.condition.rule->text;
+    const ValuesFrame frame(text);
+    if (!frame.HasValues() || settings.valueMultiplicityDelimiter.empty() || FindUnpaired(text) ||
+        !TypographicQuote(text + settings.valueMultiplicityDelimiter).empty()) {
+        return ListQuotes::right; // or another finding
+    }
+    const FilledTemplate filled(scope);
+    return FindUnpaired(filled.several) || QuotesDiffer(frame, settings) ? ListQuotes::other
+           : IsListInOneQuote(frame, filled, settings)                   ? ListQuotes::one
+                                                                         : ListQuotes::right;
+}
+
+void ReportListQuotes(const CheckedScope& scope, ListQuotes quotes, const CFG_Place& place, FindingSink& sink)
+{
+    const FilledTemplate filled(scope);
+    const std::string name =
+        fmt::format("{} of the field '{}'", scope.condition.Key("condition"), scope.definition.rule->name);
+    if (quotes == ListQuotes::other) {
+        const CFG_Place& delimiter = scope.repository.table.PlaceOf("value_multiplicity_delimiter");
+        sink.Error("AC016", place,
+                   fmt::format("{} and value_multiplicity_delimiter quote values differently: one value gives {}, two "
+                               "give {}",
+                               name, filled.one, filled.several),
+                   "the filters of users with one value or of those with several break, or a value is read as a part "
+                   "of the condition",
+                   fmt::format("write the same quotes around %values% and in value_multiplicity_delimiter ({}:{}), "
+                               "such as ('%values%') with \"', '\"; prefix and suffix stand around lists only",
+                               delimiter.file, delimiter.line));
+    } else {
+        const char quote = scope.condition.rule->text[scope.condition.rule->text.find(valuesPlaceholder) - 1];
+        sink.Error("AC016", place,
+                   fmt::format("{} quotes a list as one text: two values give {}", name, filled.several),
+                   "users with several values see other records than they were granted, or none",
+                   fmt::format("write the quotes into the delimiter too, such as value_multiplicity_delimiter = "
+                               "{1}{0}{2}{0}{1}",
+                               quote, quote == '\'' ? '"' : '\'',
+                               scope.repository.Rules().settings.valueMultiplicityDelimiter));
+    }
+}
+
 } // namespace
+
+void CheckLists(const CheckedRepository& repository, FindingSink& sink)
+{
+    ReportTypographicQuote(repository.table, "value_multiplicity_delimiter", sink);
+    std::vector<std::pair<CheckedScope, ListQuotes>> wrong;
+    std::size_t lists = 0;
+    for (const CheckedDefinition& definition : repository.definitions) {
+        for (const CheckedCondition& condition : definition.conditions) {
+            const CheckedScope scope{repository, definition, condition};
+            lists += condition.Has(valuesPlaceholder) ? 1U : 0U;
+            if (const ListQuotes quotes = ListQuotesOf(scope); quotes != ListQuotes::right) {
+                wrong.emplace_back(scope, quotes);
+            }
+        }
+    }
+    if (wrong.size() == lists && lists > 1) { // most likely the delimiter is wrong, and not every template
+        const auto& [scope, quotes] = wrong.front();
+        ReportListQuotes(scope, quotes, repository.table.PlaceOf("value_multiplicity_delimiter"), sink);
+        return;
+    }
+    for (const auto& [scope, quotes] : wrong) {
+        ReportListQuotes(scope, quotes, scope.PlaceOf("condition"), sink);
+    }
+}
 
 void CheckTemplateSyntax(const CheckedScope& scope, FindingSink& sink)
 {
