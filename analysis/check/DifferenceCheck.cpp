@@ -18,32 +18,56 @@ namespace secm::analysis {
 
 namespace {
 
-// Which of the fields a repository has, by the fields' numbers.
-struct FieldSet {
-    std::string repository;
-    std::vector<bool> has;
-    std::size_t count = 0;
-};
-
-// Of all repositories that have settings, also of those that are not checked.
-std::vector<FieldSet> FieldSets(const std::vector<std::string>& fields)
-{
-    std::vector<FieldSet> sets;
-    std::map<std::string, std::size_t> numbers;
-    for (const std::string& repository : TableNames(RepositoriesPath())) {
-        numbers.emplace(repository, sets.size());
-        sets.push_back({repository, std::vector<bool>(fields.size()), 0});
-    }
-    for (std::size_t field = 0; field < fields.size(); ++field) {
-        for (const std::string& repository : TableNames(FieldsPath() + "\\" + fields[field])) {
-            if (const auto number = numbers.find(repository); number != numbers.end()) {
-                sets[number->second].has[field] = true;
-                ++sets[number->second].count;
+// Which repositories have which fields, also those that are not checked. Both are numbered.
+struct FieldsOfRepositories {
+    FieldsOfRepositories() : fields(TableNames(FieldsPath())), repositories(TableNames(RepositoriesPath()))
+    {
+        std::map<std::string, std::size_t> numbers;
+        for (std::size_t repository = 0; repository < repositories.size(); ++repository) {
+            numbers.emplace(repositories[repository], repository);
+        }
+        fieldsOf.resize(repositories.size());
+        repositoriesOf.resize(fields.size());
+        for (std::size_t field = 0; field < fields.size(); ++field) {
+            for (const std::string& repository : TableNames(FieldsPath() + "\\" + fields[field])) {
+                if (const auto number = numbers.find(repository); number != numbers.end()) {
+                    fieldsOf[number->second].push_back(field);
+                    repositoriesOf[field].push_back(number->second);
+                }
             }
         }
     }
-    return sets;
-}
+
+    // How many fields of `repository` each repository has.
+    std::vector<std::size_t> SharedWith(std::size_t repository) const
+    {
+        std::vector<std::size_t> shared(repositories.size());
+        for (const std::size_t field : fieldsOf[repository]) {
+            for (const std::size_t other : repositoriesOf[field]) {
+                ++shared[other];
+            }
+        }
+        return shared;
+    }
+
+    // The names of the fields that `other` has and `repository` lacks.
+    std::vector<std::string> Lacking(std::size_t repository, std::size_t other) const
+    {
+        std::vector<std::string> names;
+        for (const std::size_t field : fieldsOf[other]) {
+            const auto& has = repositoriesOf[field];
+            if (std::find(has.begin(), has.end(), repository) == has.end()) {
+                names.push_back(fields[field]);
+            }
+        }
+        return names;
+    }
+
+    std::vector<std::string> fields;
+    std::vector<std::string> repositories;
+    std::vector<std::vector<std::size_t>> fieldsOf;
+    std::vector<std::vector<std::size_t>> repositoriesOf;
+};
 
 std::string LackingFields(const std::vector<std::string>& names)
 {
@@ -52,41 +76,35 @@ std::string LackingFields(const std::vector<std::string>& names)
 }
 
 // Repositories are alike when they share at least two fields, and more fields than one of them lacks.
-void FieldsOfSomeRepositories(const std::vector<CheckedRepository>& repositories, std::vector<Finding>& findings)
+void FieldsOfSomeRepositories(const std::vector<CheckedRepository>& checked, std::vector<Finding>& findings)
 {
-    const std::vector<std::string> fields = TableNames(FieldsPath());
-    const std::vector<FieldSet> sets = FieldSets(fields);
-    for (const CheckedRepository& repository : repositories) {
-        const auto own = std::find_if(sets.begin(), sets.end(), [&](const FieldSet& set) {
-            return set.repository == repository.Rules().repository;
-        });
-        std::vector<std::string> lacking;
-        const FieldSet* most = nullptr;
-        std::size_t mostShared = 1;
-        for (const FieldSet& other : sets) {
-            std::size_t shared = 0;
-            for (std::size_t field = 0; own != sets.end() && field < fields.size(); ++field) {
-                shared += own->has[field] && other.has[field] ? 1U : 0U;
-            }
-            if (shared > mostShared && shared < other.count && other.count - shared < shared) {
-                mostShared = shared;
-                most = &other;
+    const FieldsOfRepositories all;
+    for (const CheckedRepository& repository : checked) {
+        const std::string& name = repository.Rules().repository;
+        const auto number = static_cast<std::size_t>(std::find(all.repositories.begin(), all.repositories.end(), name) -
+                                                     all.repositories.begin());
+        if (number == all.repositories.size()) {
+            continue;
+        }
+        const std::vector<std::size_t> shared = all.SharedWith(number);
+        std::size_t most = number;
+        for (std::size_t other = 0; other < shared.size(); ++other) {
+            const std::size_t lacking = all.fieldsOf[other].size() - shared[other];
+            const bool isAlike = shared[other] > 1 && lacking > 0 && lacking < shared[other];
+            if (isAlike && (most == number || shared[other] > shared[most])) {
+                most = other;
             }
         }
-        for (std::size_t field = 0; most != nullptr && field < fields.size(); ++field) {
-            if (most->has[field] && !own->has[field]) {
-                lacking.push_back(fields[field]);
-            }
-        }
-        if (most != nullptr) {
-            FindingSink(findings, repository.Rules().repository)
+        if (most != number) {
+            const std::string& other = all.repositories[most];
+            const std::vector<std::string> lacking = all.Lacking(number, most);
+            FindingSink(findings, name)
                 .Warn("AC037", repository.table.place,
-                      fmt::format("the repository '{}' has {} fields of '{}', but not the {}",
-                                  repository.Rules().repository, mostShared, most->repository, LackingFields(lacking)),
-                      fmt::format("that restricts the users of '{}', and no user of '{}'", most->repository,
-                                  repository.Rules().repository),
+                      fmt::format("the repository '{}' has {} fields of '{}', but not the {}", name, shared[most],
+                                  other, LackingFields(lacking)),
+                      fmt::format("that restricts the users of '{}', and no user of '{}'", other, name),
                       fmt::format("add the table fields.{}.{}, unless its records have no such field", lacking.front(),
-                                  repository.Rules().repository));
+                                  name));
         }
     }
 }

@@ -133,13 +133,14 @@ bool ComparesWithAList(const CheckedScope& scope)
 
 void OneValueOnly(const CheckedScope& scope, FindingSink& sink)
 {
-    if (ComparesWithAList(scope)) {
-        sink.Error("AC060", scope.PlaceOf("condition"),
-                   fmt::format("{} compares with one value, and two values give a list: {}",
-                               scope.condition.Key("condition"), FilledTemplate(scope).several),
-                   "the filters of users with several values break, or match other records",
-                   "write %equal_operator% in place of the operator, and parentheses around the values, such as "
-                   "column %equal_operator% ('%values%')");
+    // With my_field, each user has one value as a rule: an own attribute.
+    if (scope.definition.rule->myField.empty() && ComparesWithAList(scope)) {
+        sink.Warn("AC060", scope.PlaceOf("condition"),
+                  fmt::format("{} compares with one value, and two values give a list: {}",
+                              scope.condition.Key("condition"), FilledTemplate(scope).several),
+                  "the filters of users with several values break, or match other records",
+                  "write %equal_operator% in place of the operator, and parentheses around the values, such as "
+                  "column %equal_operator% ('%values%')");
     }
 }
 
