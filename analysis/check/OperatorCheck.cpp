@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <array>
-#include <regex>
 #include <string>
 #include <string_view>
 
@@ -119,16 +118,19 @@ void DoesNotFit(const CheckedRepository& repository, bool forOne, FindingSink& s
 bool ComparesWithAList(const CheckedScope& scope)
 {
     const std::string& text = scope.condition.rule->text;
-    const std::string before = LowerCase(text.substr(0, text.find(valuesPlaceholder)));
     const std::string& delimiter = scope.repository.Rules().settings.valueMultiplicityDelimiter;
+    std::string_view before = std::string_view(text).substr(0, text.find(valuesPlaceholder));
     const bool isQuoted = before.ends_with('\'') || before.ends_with('"');
     const bool hasQuotes = delimiter.find_first_of("'\"") != std::string::npos;
-    static const std::regex comparison(R"re((\blike|(^|[^=<>!])(=|==|<>|!=))\s*\(?\s*['"]?$)re");
-    const std::size_t farthestBack = 16; // enough for the operator; regular expressions recurse
-    const std::string end = before.substr(before.size() - std::min(before.size(), farthestBack));
-    return scope.condition.Has(valuesPlaceholder) && delimiter.find(',') != std::string::npos &&
-           isQuoted == hasQuotes && !end.ends_with("=in=(") && !end.ends_with("=out=(") &&
-           std::regex_search(end, comparison);
+    if (!scope.condition.Has(valuesPlaceholder) || delimiter.find(',') == std::string::npos || isQuoted != hasQuotes) {
+        return false;
+    }
+    before = WithoutOuterBlanks(before.substr(0, before.size() - (isQuoted ? 1 : 0)));
+    before = WithoutOuterBlanks(before.substr(0, before.size() - (before.ends_with('(') ? 1 : 0)));
+    constexpr std::size_t longest = 5; // of the operators
+    const std::string end = LowerCase(before.substr(before.size() - std::min(before.size(), longest)));
+    return end.ends_with(" like") || end.ends_with("<>") ||
+           (end.ends_with('=') && !end.ends_with("=in=") && !end.ends_with("=out="));
 }
 
 void OneValueOnly(const CheckedScope& scope, FindingSink& sink)

@@ -3,9 +3,8 @@
 #include "analysis/check/WordCharacter.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
-#include <regex>
+#include <initializer_list>
 #include <utility>
 #include <vector>
 
@@ -112,40 +111,73 @@ std::vector<std::string_view> SplitAt(std::string_view query, std::string_view w
 
 bool IsAlways(std::string_view query, bool outcome);
 
-// A comparison of two constants, or of a name with itself.
-bool IsConstantComparison(const std::string& text, bool outcome)
+bool IsName(std::string_view text)
 {
-    static const std::regex comparison(
-        R"re(('[^']*'|"[^"]*"|[0-9]+|[a-z_][a-z0-9_.]*)\s*(==?|<>|!=|<=|>=|<|>|\blike\b|\bis\b)\s*('[^']*'|"[^"]*"|[0-9]+|[a-z_][a-z0-9_.]*))re");
-    std::smatch parts;
-    if (!std::regex_match(text, parts, comparison)) {
-        return false;
-    }
-    const std::string left = parts[1];
-    const std::string sign = parts[2];
-    const std::string right = parts[3];
-    const bool isEqual = left == right;
-    const auto isConstant = [](const std::string& side) { return side.front() == '\'' || std::isdigit(side[0]) != 0; };
-    if (!isEqual && (!isConstant(left) || !isConstant(right))) {
-        return false; // it depends on the record
-    }
-    if (sign == "<" || sign == ">" || ((sign == "<=" || sign == ">=") && !isEqual)) {
-        const bool isLess = left.size() != right.size() ? left.size() < right.size() : left < right;
-        return (!isEqual && isLess == (sign.front() == '<')) == outcome;
-    }
-    return (isEqual == (sign != "<>" && sign != "!=")) == outcome;
+    return !text.empty() && std::isdigit(static_cast<unsigned char>(text.front())) == 0 &&
+           std::all_of(text.begin(), text.end(), [](char byte) { return IsWordCharacter(byte) || byte == '.'; });
 }
 
-bool IsConstant(const std::string& text, bool outcome)
+// A number, or one text between single quotes.
+bool IsLiteral(std::string_view text)
 {
-    static const std::array<std::regex, 3> everything = {
-        std::regex(R"re(true|1|\*|\*:\*|\{\s*\}|\{\s*"match_all"\s*:\s*\{\s*\}\s*\})re"),
-        std::regex(R"re([a-z_][a-z0-9_.]*\s*[:=]\s*\*)re"),
-        std::regex(R"re([a-z_][a-z0-9_.]*\s+(is\s+not\s+null|like\s+'%+'))re")};
-    static const std::regex nothing(R"re(false|0|\{\s*"match_none"\s*:\s*\{\s*\}\s*\})re");
-    const auto matches = [&](const std::regex& pattern) { return std::regex_match(text, pattern); };
-    return (outcome ? std::any_of(everything.begin(), everything.end(), matches) : matches(nothing)) ||
-           IsConstantComparison(text, outcome);
+    const bool isText = text.size() > 1 && text.starts_with('\'') && text.find('\'', 1) == text.size() - 1;
+    return isText || (!text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos);
+}
+
+bool IsNameInQuotes(std::string_view text)
+{
+    return text.size() > 2 && text.starts_with('"') && text.find('"', 1) == text.size() - 1;
+}
+
+// A comparison of two constants, or of a name with itself.
+bool IsConstantComparison(std::string_view text, bool outcome)
+{
+    const std::string outside = OutsideQuotes(text);
+    std::size_t at = outside.find_first_of("=<>!");
+    std::size_t end = std::min(outside.find_first_not_of("=<>!", at), outside.size());
+    for (const std::string_view word : {" like ", " is "}) {
+        if (at == std::string::npos && outside.find(word) != std::string::npos) {
+            at = outside.find(word);
+            end = at + word.size();
+        }
+    }
+    if (at == std::string::npos) {
+        return false;
+    }
+    const std::string_view left = WithoutOuterBlanks(text.substr(0, at));
+    const std::string_view sign = WithoutOuterBlanks(text.substr(at, end - at));
+    const std::string_view right = WithoutOuterBlanks(text.substr(end));
+    const bool isOfLiterals = IsLiteral(left) && IsLiteral(right);
+    const bool isEqual = left == right;
+    if (!isOfLiterals && (!isEqual || !(IsName(left) || IsNameInQuotes(left)))) {
+        return sign == "like" && IsName(left) && (right == "'%'" || right == "'%%'") && outcome;
+    }
+    if (sign == "<>" || sign == "!=") {
+        return isEqual != outcome;
+    }
+    if (sign.front() != '<' && sign.front() != '>') {
+        return isEqual == outcome;
+    }
+    const bool isLess = left.size() != right.size() ? left.size() < right.size() : left < right;
+    return (isEqual ? sign.size() == 2 : isLess == (sign.front() == '<')) == outcome;
+}
+
+bool IsConstant(std::string_view text, bool outcome)
+{
+    std::string dense(text);
+    std::erase(dense, ' ');
+    const auto isOneOf = [&](std::initializer_list<std::string_view> texts) {
+        return std::find(texts.begin(), texts.end(), dense) != texts.end();
+    };
+    constexpr std::string_view isNotNull = " is not null";
+    const bool isAnyValue =
+        (dense.ends_with(":*") || dense.ends_with("=*")) && IsName(std::string_view(dense).substr(0, dense.size() - 2));
+    const bool isNotNullTest =
+        text.ends_with(isNotNull) && IsName(WithoutOuterBlanks(text.substr(0, text.size() - isNotNull.size())));
+    const bool isConstant =
+        outcome ? isOneOf({"true", "1", "*", "*:*", "{}", "{\"match_all\":{}}"}) || isAnyValue || isNotNullTest
+                : isOneOf({"false", "0", "{\"match_none\":{}}"});
+    return isConstant || IsConstantComparison(text, outcome);
 }
 
 bool IsAlwaysAsPart(std::string_view query, bool outcome)
@@ -207,7 +239,7 @@ bool HasWord(std::string_view text, std::string_view word)
 
 bool MatchesEveryRecord(std::string_view query)
 {
-    constexpr std::size_t longest = 4096; // a text that matches everything is short; regular expressions recurse
+    constexpr std::size_t longest = 4096; // a text that matches everything is short; nested texts recurse
     return query.size() <= longest && IsAlways(query, true);
 }
 

@@ -35,8 +35,8 @@ bool HasPlaceholder(const std::string& value)
 
 // `isRead` says whether anybody reads an entry, `known` what the name of another was probably meant to be. Only a name
 // that resembles none of them cannot have been meant to restrict: it may be a note.
-template <class IsRead>
-void UnreadEntries(const CheckedTable& table, const Names& known, const IsRead& isRead, FindingSink& sink)
+template <class IsRead, class Known>
+void UnreadEntries(const CheckedTable& table, const Known& known, const IsRead& isRead, FindingSink& sink)
 {
     for (const CFG_Entry& entry : table.entries) {
         if (isRead(entry)) {
@@ -44,10 +44,11 @@ void UnreadEntries(const CheckedTable& table, const Names& known, const IsRead& 
         }
         const std::string problem =
             fmt::format("the {} '{}' is read by nobody", entry.isNode ? "table" : "key", entry.name);
-        if (!Nearest(entry.name, known).empty() || HasPlaceholder(entry.value)) {
+        const Names names = known(entry.name);
+        if (!Nearest(entry.name, names).empty() || HasPlaceholder(entry.value)) {
             sink.Error("AC031", entry.place, problem,
                        "what it was to set is missing: where it was to restrict, users see more than was meant",
-                       DidYouMean(entry.name, known, "remove it"));
+                       DidYouMean(entry.name, names, "remove it"));
         } else {
             sink.Warn("AC031", entry.place, problem, "no user's filter changes by it",
                       "remove it; notes stand behind #");
@@ -61,20 +62,20 @@ void UnreadSettings(const CheckedRepository& repository, FindingSink& sink)
     const auto isRead = [&](const CFG_Entry& entry) {
         return !entry.isNode && (isDefinition || IsOneOf(settingKeys, entry.name));
     };
-    UnreadEntries(repository.table, Names(settingKeys.begin(), settingKeys.end()), isRead, sink);
+    UnreadEntries(
+        repository.table, [](const std::string&) { return Names(settingKeys.begin(), settingKeys.end()); }, isRead,
+        sink);
 }
 
-// The keys of condition N for each number N that a key of the table ends in; N is 1 for keys that end in none.
-Names NumberedKeysNear(const CheckedTable& table)
+// The keys of a definition that `key` may have been meant to be: those of its own number; of 1 when it has none.
+Names DefinitionKeysFor(const std::string& key)
 {
-    Names near;
-    for (const CFG_Entry& entry : table.entries) {
-        const std::string number = entry.name.substr(entry.name.find_last_not_of("0123456789") + 1);
-        for (const std::string_view base : numberedKeys) {
-            near.push_back(fmt::format("{}{}", base, NumberOf(number, "") != 0 ? number : "1"));
-        }
+    const std::string number = key.substr(key.find_last_not_of("0123456789") + 1);
+    Names names(definitionKeys.begin(), definitionKeys.end());
+    for (const std::string_view base : numberedKeys) {
+        names.push_back(fmt::format("{}{}", base, NumberOf(number, "") != 0 ? number : "1"));
     }
-    return near;
+    return names;
 }
 
 void UnreadDefinitionKeys(const CheckedDefinition& definition, FindingSink& sink)
@@ -84,12 +85,7 @@ void UnreadDefinitionKeys(const CheckedDefinition& definition, FindingSink& sink
         return !entry.isNode && (IsOneOf(definitionKeys, entry.name) ||
                                  std::any_of(numberedKeys.begin(), numberedKeys.end(), isNumbered));
     };
-    const auto& entries = definition.table.entries;
-    if (!std::all_of(entries.begin(), entries.end(), isRead)) {
-        Names known = NumberedKeysNear(definition.table);
-        known.insert(known.end(), definitionKeys.begin(), definitionKeys.end());
-        UnreadEntries(definition.table, known, isRead, sink);
-    }
+    UnreadEntries(definition.table, DefinitionKeysFor, isRead, sink);
 }
 
 // Values in a table that holds tables only. AC036 names the right place for a whole definition or repository.
@@ -97,8 +93,11 @@ void TablesOnly(const std::string& path, FindingSink& sink)
 {
     const CheckedTable table(path, {});
     if (!HoldsSettings(table.entries) && !HoldsDefinition(table.entries)) {
-        Names known(settingKeys.begin(), settingKeys.end());
-        known.insert(known.end(), definitionKeys.begin(), definitionKeys.end());
+        const auto known = [](const std::string& key) {
+            Names names = DefinitionKeysFor(key);
+            names.insert(names.end(), settingKeys.begin(), settingKeys.end());
+            return names;
+        };
         UnreadEntries(table, known, IsTable, sink);
     }
 }
@@ -107,7 +106,8 @@ void UnreadSharedNames(FindingSink& sink)
 {
     const Names tables = {"repositories", "fields"};
     const auto isRead = [&](const CFG_Entry& entry) { return entry.isNode && IsOneOf(tables, entry.name); };
-    UnreadEntries({AccessControlPath(), {}}, tables, isRead, sink);
+    UnreadEntries(
+        CheckedTable(AccessControlPath(), {}), [&](const std::string&) { return tables; }, isRead, sink);
     TablesOnly(RepositoriesPath(), sink);
     TablesOnly(FieldsPath(), sink);
     for (const std::string& field : TableNames(FieldsPath())) {
