@@ -321,8 +321,8 @@ private:
         const bool holdsValues = group.kind != Kind::settings && group.kind != Kind::definition;
         sink.Error(
             "AC036", group.place,
-            fmt::format("the table {}{} is read by nobody", Dotted(group.first),
-                        group.count > 1 ? fmt::format(", and {} more below the same name,", group.count - 1) : ""),
+            fmt::format("the table {}{} read by nobody", Dotted(group.first),
+                        group.count > 1 ? fmt::format(" and {} more below the same name are", group.count - 1) : " is"),
             group.kind == Kind::settings ? "the repository that was meant lacks these settings: a host that asks "
                                            "for it gets empty filters, and its users see every record"
             : holdsValues                ? "values are mapped without it: to the empty text, or to the issuer of "
