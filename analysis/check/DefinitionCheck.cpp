@@ -63,8 +63,8 @@ void NothingButMandatory(const CheckedDefinition& definition, FindingSink& sink)
                    fmt::format("every condition of the field '{}' needs a mandatory attribute", definition.rule->name),
                    "users granted only %my% who lack the attribute are not restricted by this field: no condition is "
                    "left",
-                   "add a condition that needs none, or take the token out of mandatory_fieldsN, so that what is "
-                   "missing goes in as the empty text");
+                   "add a condition that needs none, or take the token out of mandatory_fieldsN, so that a "
+                   "missing attribute is replaced by the empty text");
     }
 }
 

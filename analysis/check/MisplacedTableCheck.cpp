@@ -90,21 +90,30 @@ bool IsDefinitionKey(const std::string& key)
 // count only together.
 std::optional<Kind> KindByKeys(const std::vector<CFG_Entry>& entries)
 {
+    constexpr unsigned enough = 2;
+    constexpr std::array<std::string_view, 4> common = {"default_filter", "filter_delimiter", "permission_value",
+                                                        "my_field"};
     unsigned settings = 0;
     unsigned definition = 0;
+    bool hasCondition = false;
     for (const CFG_Entry& entry : entries) {
-        constexpr std::array<std::string_view, 2> common = {"default_filter", "filter_delimiter"};
-        if (!entry.isNode && IsOneOf(settingKeys, entry.name)) {
-            settings += IsOneOf(common, entry.name) ? 1U : 2U;
-        } else if (!entry.isNode && IsDefinitionKey(entry.name)) {
-            const bool isCommon =
-                entry.name == "permission_value" || entry.name == "my_field" || NumberOf(entry.name, "condition") != 0;
-            definition += isCommon ? 1U : 2U;
+        const unsigned weight = IsOneOf(common, entry.name) ? 1 : enough;
+        if (entry.isNode) {
+            continue;
+        }
+        if (NumberOf(entry.name, "condition") != 0) {
+            hasCondition = true;
+        } else if (IsOneOf(settingKeys, entry.name)) {
+            settings += weight;
+        } else if (IsDefinitionKey(entry.name)) {
+            definition += weight;
         }
     }
-    return settings < 2 && definition < 2 ? std::nullopt
-           : settings > definition        ? std::optional(Kind::settings)
-                                          : std::optional(Kind::definition);
+    definition += hasCondition ? 1U : 0U;
+    if (settings < enough && definition < enough) {
+        return std::nullopt;
+    }
+    return settings > definition ? Kind::settings : Kind::definition;
 }
 
 bool HasKey(const std::vector<CFG_Entry>& entries, std::string_view key)

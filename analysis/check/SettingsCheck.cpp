@@ -82,7 +82,7 @@ void NoFields(const CheckedRepository& repository, FindingSink& sink)
             "AC003", repository.table.place,
             fmt::format("the repository '{}' has no field {}", name, hasSome ? "that is not left out" : "at all"),
             "every user who is known gets the empty filter and sees every record",
-            hasSome ? "mend its fields (AC004)"
+            hasSome ? "correct its fields (AC004)"
                     : fmt::format("add a table fields.FIELD.{} for each field that restricts users", name));
     }
 }

@@ -43,7 +43,9 @@ NamesToQuote NamesOfTable(const std::string& table)
     NamesToQuote names;
     const std::string path = configuration_paths::codeTables + table;
     for (const std::string& code : TableNames(path)) {
-        names.Add(CFG_Factory::GetRepositoryServices()->GetValueByPath(path + "\\" + code + "\\display_name").data());
+        names.Add(CFG_Factory::GetRepositoryServices()
+                      ->GetValueByPath(fmt::format("{}\\{}\\display_name", path, code))
+                      .data());
     }
     return names;
 }

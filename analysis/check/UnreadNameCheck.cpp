@@ -107,7 +107,7 @@ void UnreadSharedNames(FindingSink& sink)
     const Names tables = {"repositories", "fields"};
     const auto isRead = [&](const CFG_Entry& entry) { return entry.isNode && IsOneOf(tables, entry.name); };
     UnreadEntries(
-        CheckedTable(AccessControlPath(), {}), [&](const std::string&) { return tables; }, isRead, sink);
+        CheckedTable(AccessControlPath(), {}), [&](const std::string&) { return Names(tables); }, isRead, sink);
     TablesOnly(RepositoriesPath(), sink);
     TablesOnly(FieldsPath(), sink);
     for (const std::string& field : TableNames(FieldsPath())) {
