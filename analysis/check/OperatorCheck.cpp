@@ -133,6 +133,21 @@ bool ComparesWithAList(const CheckedScope& scope)
            (end.ends_with('=') && !end.ends_with("=in=") && !end.ends_with("=out="));
 }
 
+void InWithoutParentheses(const CheckedScope& scope, FindingSink& sink)
+{
+    const std::string& text = scope.condition.rule->text;
+    std::string_view before = std::string_view(text).substr(0, text.find(valuesPlaceholder));
+    before.remove_suffix(before.ends_with('\'') ? 1 : 0);
+    if (scope.condition.Has(valuesPlaceholder) && LowerCase(WithoutOuterBlanks(before)).ends_with(" in") &&
+        scope.repository.Rules().settings.valueMultiplicityDelimiter.find(',') != std::string::npos) {
+        sink.Error("AC060", scope.PlaceOf("condition"),
+                   fmt::format("{} has IN before values without parentheses: {}", scope.condition.Key("condition"),
+                               FilledTemplate(scope).several),
+                   "the filters of all users whom it restricts break",
+                   "write parentheses around the values, such as column IN ('%values%')");
+    }
+}
+
 void OneValueOnly(const CheckedScope& scope, FindingSink& sink)
 {
     // With my_field, each user has one value as a rule: an own attribute.
@@ -155,6 +170,7 @@ void CheckOperators(const CheckedRepository& repository, FindingSink& sink)
     DoesNotFit(repository, false, sink);
     for (const CheckedDefinition& definition : repository.definitions) {
         for (const CheckedCondition& condition : definition.conditions) {
+            InWithoutParentheses({repository, definition, condition}, sink);
             OneValueOnly({repository, definition, condition}, sink);
         }
     }

@@ -4,12 +4,10 @@
 #include "analysis/check/FilledTemplate.h"
 #include "analysis/check/QueryText.h"
 #include "analysis/check/UnpairedMark.h"
-#include "analysis/definitions/KnownKeys.h"
 
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <array>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -42,7 +40,7 @@ char FirstQuote(std::string_view text)
     return text.empty() ? '\0' : AsQuote(text.front());
 }
 
-// The quotes directly before and behind %values% in the template.
+// The template's text before and behind %values%.
 struct ValuesFrame {
     explicit ValuesFrame(const std::string& text)
         : at(text.find(valuesPlaceholder)), before(text.substr(0, at)),
