@@ -131,7 +131,7 @@ struct Alignment {
 constexpr unsigned misspelt = 1;
 constexpr unsigned otherLevel = 1; // a level that is missing or too many
 constexpr unsigned unrelated = 4;
-constexpr unsigned farthest = 2; // of a table that only its path shows to be ours
+constexpr unsigned farthestPath = 2; // of a table that only its path shows to be ours
 
 unsigned CostOf(const std::string& name, const std::string& wanted)
 {
@@ -251,7 +251,7 @@ private:
             }
             return;
         }
-        Alignment nearest{farthest + 1, {}};
+        Alignment nearest{farthestPath + 1, {}};
         Kind nearestKind = Kind::code;
         for (const auto& [kind, key] : {std::pair(Kind::code, "display_name"), std::pair(Kind::issuer, "value"),
                                         std::pair(Kind::siteIssuer, "value")}) {
@@ -263,7 +263,7 @@ private:
                 }
             }
         }
-        if (nearest.cost <= farthest && !IsFullyRead(names)) {
+        if (nearest.cost <= farthestPath && !IsFullyRead(names)) {
             Add(names, std::move(nearest.path), nearestKind, place);
         }
     }
