@@ -9,6 +9,7 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <set>
 #include <unordered_set>
 #include <utility>
 
@@ -16,13 +17,22 @@ namespace secm::analysis {
 
 namespace {
 
+bool HasMisplacedTables()
+{
+    std::vector<Finding> findings;
+    FindingSink sink(findings, "");
+    CheckMisplacedTables(sink);
+    return !findings.empty();
+}
+
+// Without any repository, misplaced tables are most likely the reason, and findings say more than an exception.
 std::vector<CheckedRepository> RequireRepositories(const std::optional<std::string>& name)
 {
     if (CFG_ListEntries == nullptr) {
         throw std::runtime_error("the configuration library in use cannot list what it holds, which check needs");
     }
     std::vector<CheckedRepository> repositories = ReadRepositories(name);
-    if (repositories.empty()) {
+    if (repositories.empty() && (!TableNames(RepositoriesPath()).empty() || !HasMisplacedTables())) {
         const std::string table = configuration_paths::Dotted(configuration_paths::repositories);
         throw NoRepositoryError(
             name
@@ -50,17 +60,35 @@ std::unordered_set<std::string> PermissionsAskedFor()
 void CheckRepository(const CheckedRepository& repository, FindingSink& sink)
 {
     CheckSettings(repository, sink);
+    CheckWholeFilters(repository, sink);
+    CheckOperators(repository, sink);
+    CheckLists(repository, sink);
+    CheckJoins(repository, sink);
     for (const CheckedDefinition& definition : repository.definitions) {
         CheckDefinition(definition, sink);
         CheckConditionNumbers(definition, sink);
         for (const CheckedCondition& condition : definition.conditions) {
             const CheckedScope scope{repository, definition, condition};
             CheckPlaceholders(scope, sink);
+            CheckTemplateSyntax(scope, sink);
             CheckTokens(scope, sink);
             CheckValuesFunction(scope, sink);
         }
     }
     CheckUnreadNames(repository, sink);
+}
+
+// Removes what is found in the line of a misplaced table only because it is misplaced.
+void RemoveExplained(const std::vector<Finding>& misplaced, std::vector<Finding>& findings)
+{
+    std::set<std::pair<std::string, unsigned>> lines;
+    for (const Finding& finding : misplaced) {
+        lines.emplace(finding.place.file, finding.place.line);
+    }
+    const std::set<std::string> codes = {"AC001", "AC003", "AC031", "AC032", "AC033"};
+    std::erase_if(findings, [&](const Finding& finding) {
+        return codes.count(finding.code) != 0 && lines.count({finding.place.file, finding.place.line}) != 0;
+    });
 }
 
 std::vector<Finding> CheckRepositories(const std::vector<CheckedRepository>& repositories)
@@ -72,8 +100,15 @@ std::vector<Finding> CheckRepositories(const std::vector<CheckedRepository>& rep
     }
     CheckCodeTables(repositories, findings);
     CheckSiteIssuers(repositories, findings);
+    CheckUnquotedNames(repositories, findings);
+    CheckDifferences(repositories, findings);
+    std::vector<Finding> misplaced;
+    FindingSink ofMisplaced(misplaced, "");
+    const std::set<std::string> misplacedRepositories = CheckMisplacedTables(ofMisplaced);
     FindingSink shared(findings, "");
-    CheckSharedUnreadNames(shared);
+    CheckSharedUnreadNames(misplacedRepositories, shared);
+    RemoveExplained(misplaced, findings);
+    findings.insert(findings.end(), misplaced.begin(), misplaced.end());
     return findings;
 }
 

@@ -14,7 +14,7 @@ class SECM_ListingInterface;
 
 namespace secm::analysis {
 
-/// The configuration has no repository at all, or none of the name that was given.
+/// The configuration has no repository at all and nothing that explains it (AC036), or none of the name that was given.
 class SECM_ANALYSIS_EXPORT NoRepositoryError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

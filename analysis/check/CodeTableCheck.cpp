@@ -6,8 +6,9 @@
 #include "platform/configuration/CFG_RepositoryServices.h"
 #include "platform/configuration/ConfigurationPaths.h"
 
-#include <fmt/core.h>
+#include <fmt/format.h>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <string>
@@ -37,6 +38,14 @@ struct CodeTable {
     std::vector<CFG_Entry> codes;
 };
 
+std::string ListedNames(const std::vector<std::string>& names)
+{
+    constexpr std::size_t most = 5;
+    const std::size_t shown = std::min(names.size(), most);
+    return fmt::format("{}{}", fmt::join(names.begin(), names.begin() + static_cast<std::ptrdiff_t>(shown), ", "),
+                       names.size() > shown ? ", ..." : "");
+}
+
 void EmptyTable(const CodeTable& table, std::vector<Finding>& findings)
 {
     const bool exists = table.Exists();
@@ -53,7 +62,12 @@ void EmptyTable(const CodeTable& table, std::vector<Finding>& findings)
             sink.Warn("AC024", scope.PlaceOf(key), std::move(problem), everyValueIsEmpty, remedy);
         };
         if (table.name.empty()) {
-            warn("values_function", scope.condition.Key("values_function_config_string") + " names no code table");
+            const std::string key = scope.condition.Key("values_function_config_string");
+            const std::vector<std::string> known = TableNames(tables.substr(0, tables.size() - 1));
+            sink.Warn("AC024", scope.PlaceOf("values_function"), key + " names no code table", everyValueIsEmpty,
+                      fmt::format("write {} = \"{}\", with the name of a code table{}", key,
+                                  known.size() == 1 ? known.front() : "TABLE",
+                                  known.size() > 1 ? fmt::format(": {}", ListedNames(known)) : ""));
         } else if (!exists) {
             warn("values_function_config_string", fmt::format("there is no code table '{}'", table.name));
         } else {
@@ -66,8 +80,8 @@ void MisspeltDisplayName(const CheckedTable& code, FindingSink& sink)
 {
     for (const CFG_Entry& key : code.entries) {
         if (key.name != "display_name" && !Nearest(key.name, {"display_name"}).empty()) {
-            sink.Warn("AC031", key.place, fmt::format("the key '{}' is read by nobody", key.name),
-                      "no user's filter changes by it; what it was to set is missing", "did you mean 'display_name'?");
+            sink.Error("AC031", key.place, fmt::format("the key '{}' is read by nobody", key.name), thisValueIsEmpty,
+                       "did you mean 'display_name'?");
         }
     }
 }

@@ -26,11 +26,11 @@ void ConditionsBehindAGap(const CheckedDefinition& definition, FindingSink& sink
     }
     for (const CFG_Entry& entry : definition.table.entries) {
         if (NumberOf(entry.name, "condition") > gap && !definition.table.Text(entry.name).empty()) {
-            sink.Warn("AC021", entry.place,
-                      fmt::format("{} is not read: {}", entry.name, definition.table.Lack(ConditionKey(gap))),
-                      "no user's filter holds it: users see more than was meant where it was to restrict, and less "
-                      "where it was to allow",
-                      "number the conditions from 1 without a gap");
+            sink.Error("AC021", entry.place,
+                       fmt::format("{} is not read: {}", entry.name, definition.table.Lack(ConditionKey(gap))),
+                       "no user's filter has it: users see more than was meant where it was to restrict, and less "
+                       "where it was to allow",
+                       "number the conditions from 1 without a gap");
         }
     }
 }

@@ -13,6 +13,20 @@ namespace secm::analysis {
 
 namespace {
 
+// By the key that is missing or wrong.
+std::string RemedyForOmission(const std::string& key)
+{
+    const std::string remedy = key == "permission_value" ? "write the bits that a grant must have as a whole number, "
+                                                           "such as permission_value = 1"
+                               : key == "permission_name"
+                                   ? "write permission_name = \"...\", the permission that users "
+                                     "are granted"
+                               : key == "condition1" ? "write condition1; the numbers begin with 1"
+                                                     : "write what joins them, such as conditions_delimiter = \" OR "
+                                                       "\" or \" AND \"";
+    return remedy + "; or remove the table if the field is not to restrict anybody";
+}
+
 void LeftOut(const CheckedDefinition& definition, FindingSink& sink)
 {
     if (!definition.IsInForce()) {
@@ -20,7 +34,7 @@ void LeftOut(const CheckedDefinition& definition, FindingSink& sink)
             "AC004", definition.table.PlaceOf(definition.rule->omitted.front().key),
             fmt::format("the field '{}' is left out: {}", definition.rule->name, InWords(definition.rule->omitted)),
             "it restricts nobody: users see records that it was to hide",
-            "mend that, or remove the table if the field is not to restrict anybody");
+            RemedyForOmission(definition.rule->omitted.front().key));
     }
 }
 
@@ -49,8 +63,8 @@ void NothingButMandatory(const CheckedDefinition& definition, FindingSink& sink)
                    fmt::format("every condition of the field '{}' needs a mandatory attribute", definition.rule->name),
                    "users granted only %my% who lack the attribute are not restricted by this field: no condition is "
                    "left",
-                   "add a condition that needs none, or take the token out of mandatory_fieldsN, so that what is "
-                   "missing goes in as the empty text");
+                   "add a condition that needs none, or take the token out of mandatory_fieldsN, so that a "
+                   "missing attribute is replaced by the empty text");
     }
 }
 

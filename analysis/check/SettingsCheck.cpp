@@ -82,7 +82,7 @@ void NoFields(const CheckedRepository& repository, FindingSink& sink)
             "AC003", repository.table.place,
             fmt::format("the repository '{}' has no field {}", name, hasSome ? "that is not left out" : "at all"),
             "every user who is known gets the empty filter and sees every record",
-            hasSome ? "mend its fields (AC004)"
+            hasSome ? "correct its fields (AC004)"
                     : fmt::format("add a table fields.FIELD.{} for each field that restricts users", name));
     }
 }
@@ -151,10 +151,10 @@ void OperatorsAreEmpty(const CheckedRepository& repository, FindingSink& sink)
 void ClausesRunTogether(const CheckedRepository& repository, FindingSink& sink)
 {
     if (repository.Rules().settings.filterDelimiter.empty() && repository.Rules().fields.size() > 1) {
-        sink.Warn("AC020", repository.table.PlaceOf("filter_delimiter"), repository.table.Lack("filter_delimiter"),
-                  "users whom two fields restrict get the two clauses side by side, which few query languages take "
-                  "for AND",
-                  "write what stands between two clauses, such as filter_delimiter = \" AND \"");
+        sink.Error("AC020", repository.table.PlaceOf("filter_delimiter"), repository.table.Lack("filter_delimiter"),
+                   "users whom two fields restrict get the two clauses side by side, which query languages refuse or "
+                   "take for OR",
+                   "write what stands between two clauses, such as filter_delimiter = \" AND \"");
     }
 }
 
@@ -162,10 +162,12 @@ void StrangersSeeEverything(const CheckedRepository& repository, FindingSink& si
 {
     const std::string& filter = repository.Rules().settings.defaultFilter;
     if (IsBlank(filter)) {
-        sink.Warn("AC033", repository.table.PlaceOf("default_filter"), Lack(repository, "default_filter", filter),
-                  fmt::format("users whom the security database does not know get {} and see every record",
-                              BlankFilter(filter)),
-                  "write what such users may see, such as default_filter = \"0 = 1\" for nothing");
+        sink.Error(
+            "AC033", repository.table.PlaceOf("default_filter"), Lack(repository, "default_filter", filter),
+            fmt::format("users whom the security database does not know get {} and see every record",
+                        BlankFilter(filter)),
+            "write what such users may see, such as default_filter = \"0 = 1\" for nothing (or \"1 = 1\" if they "
+            "are to see everything, which is a warning)");
     }
 }
 

@@ -41,9 +41,10 @@ bool MisspeltIssuer(std::string path, FindingSink& sink)
                 return !Nearest(entry.name, {name}).empty();
             });
             if (near != entries.end()) {
-                sink.Warn("AC031", near->place, fmt::format("the key '{}' is read by nobody", near->name),
-                          "users' filters hold the issuer of all sites in place of this one, or the empty text",
-                          fmt::format("did you mean '{}'?", name));
+                sink.Error("AC031", near->place, fmt::format("the key '{}' is read by nobody", near->name),
+                           "users' filters have the issuer of all sites in place of this one, or the empty text: they "
+                           "may see records of other sites",
+                           fmt::format("did you mean '{}'?", name));
             }
             return near != entries.end();
         }

@@ -23,8 +23,8 @@ void TokensNobodyFills(const CheckedScope& scope, FindingSink& sink)
             "AC014", scope.PlaceOf("replace_fields"),
             fmt::format("the replace tokens stand beside {}", hasMyField ? "my_field" : "a values function"),
             fmt::format(
-                "they stay in users' filters as they are written: tokens are filled in for the value %my%, which "
-                "{} has made something else by then",
+                "they stay in users' filters as they are written: only the value %my% fills tokens, and {} replaces it "
+                "before",
                 hasMyField ? "my_field" : "the values function"),
             hasMyField ? "write %values% in place of the token, or remove my_field"
                        : "remove the values function, or write %values% in place of the token");
@@ -67,8 +67,8 @@ void UnframedTokens(const CheckedScope& scope, FindingSink& sink)
             }
         }
     };
-    check("mandatory_fields", "it is passed over: users who lack the attribute get the condition all the same");
-    check("replace_fields", "it is passed over: where the template holds it, it stays in users' filters");
+    check("mandatory_fields", "it is ignored: users who lack the attribute get the condition all the same");
+    check("replace_fields", "it is ignored: where the template has it, it stays in users' filters");
 }
 
 void MandatoryButNotReplaced(const CheckedScope& scope, FindingSink& sink)

@@ -151,6 +151,13 @@ std::string RulesManager::Mapped(const std::string& value, const ConditionRule& 
     return SECM_AccessControlManager::ApplyValuesFunction(value, *conditionsByRule.at(&condition));
 }
 
+std::string RulesManager::Filled(const std::string& text, const std::vector<std::string>& values)
+{
+    ConditionDefinition condition;
+    condition.conditionText = text;
+    return HandleSingleConditionForUser(condition, values, nullptr);
+}
+
 std::vector<std::string> RulesManager::FunctionNames() const
 {
     std::vector<std::string> names;

@@ -24,6 +24,10 @@ public:
     /// Rules().
     std::string Mapped(const std::string& value, const ConditionRule& condition);
 
+    /// The template `text` filled with `values` as the module fills it. No values function maps them, and tokens stay.
+    /// `values` must not be empty and must not hold "%my%".
+    std::string Filled(const std::string& text, const std::vector<std::string>& values);
+
     /// The names of the values functions that the module has, sorted.
     std::vector<std::string> FunctionNames() const;
 

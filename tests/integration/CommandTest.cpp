@@ -23,6 +23,7 @@ protected:
         Write("names.txt", "\357\273\277hugo\r\n\n\r\nom\377\nvera");
         Write("notes.txt", "these are notes and no database");
         Write("nul.txt", std::string("hugo\nve\0ra\n", 11));
+        Write("sensible.toml", Read(CASES_FOLDER "/sensible.toml"));
         Write("users.txt", SampleText("users.txt"));
     }
 

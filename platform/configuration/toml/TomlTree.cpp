@@ -6,6 +6,7 @@
 #include "platform/configuration/CFG_RepositoryServices.h"
 #include "platform/configuration/toml/ConfigurationFiles.h"
 #include "platform/configuration/toml/Nesting.h"
+#include "platform/configuration/toml/SyntaxAdvice.h"
 
 #include <fmt/format.h>
 #include <toml++/toml.h>
@@ -21,6 +22,9 @@ namespace {
 
 constexpr std::int64_t smallestInteger = -2147483648LL;
 constexpr std::int64_t largestInteger = 4294967295LL;
+
+// The only key whose value is a number to its reader.
+constexpr std::string_view numberKey = "permission_value";
 
 // Far more than the longest path that is read, and far less than would exhaust the stack.
 constexpr unsigned deepestName = 200;
@@ -71,7 +75,7 @@ public:
         try {
             Merge(tree.root, toml::parse(content));
         } catch (const toml::parse_error& error) {
-            Refuse(PlaceOf(error.source().begin), std::string(error.description()));
+            RefuseSyntax(content, error);
         }
     }
 
@@ -159,6 +163,15 @@ private:
         return {copy, text.size()};
     }
 
+    [[noreturn]] void RefuseSyntax(const std::string& content, const toml::parse_error& error) const
+    {
+        const Place noticed = PlaceOf(error.source().begin);
+        const SyntaxAdvice advice = AdviceOn(content, {noticed.line, noticed.column}, error.description());
+        const Place place = advice.position ? Place{file, advice.position->line, advice.position->column} : noticed;
+        const std::string problem = advice.problem.empty() ? std::string(error.description()) : advice.problem;
+        Refuse(place, advice.remedy.empty() ? problem : problem + "; " + advice.remedy);
+    }
+
     [[noreturn]] void Refuse(const Place& place, const std::string& why) const
     {
         throw CFG_Error(fmt::format("{}: {}", TextOf(place), why));
@@ -192,8 +205,14 @@ private:
         }
         const auto* integer = node.as_integer();
         if (integer == nullptr) {
-            Refuse(place, fmt::format("'{}' must be a text or a whole number, found {}{}", name, KindOf(node),
-                                      node.is_array() ? "" : "; write it between quotes"));
+            const bool isNumber = name == numberKey;
+            Refuse(place, fmt::format("'{}' must be {}, found {}; {}", name,
+                                      isNumber ? "a whole number" : "a text or a whole number", KindOf(node),
+                                      isNumber                    ? "write it without quotes, such as 1"
+                                      : node.is_array_of_tables() ? "write the table's name between single brackets"
+                                      : node.is_array()           ? "write one text between quotes, with commas in it "
+                                                                    "where tokens are listed"
+                                                                  : "write it between quotes"));
         }
         if (integer->get() < smallestInteger || integer->get() > largestInteger) {
             Refuse(place, fmt::format("'{}' must be from {} to {}, found {}", name, smallestInteger, largestInteger,
