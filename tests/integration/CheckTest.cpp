@@ -50,6 +50,8 @@ std::vector<Section> ReadSections()
         auto& blocks = sections.back().blocks;
         if (line.starts_with("### AC")) {
             sections.push_back({line.substr(4, 5), Split(Split(line, ":").at(0), " ").at(2), "", {}});
+        } else if (line.starts_with("## ") && sections.size() > 1) {
+            sections.emplace_back(); // an introduction, whose blocks are no examples of the code before it
         } else if (line.starts_with("```")) {
             isInBlock = !isInBlock;
             if (isInBlock) {
@@ -59,6 +61,9 @@ std::vector<Section> ReadSections()
             (isInBlock ? blocks.back().second : sections.back().text) += line + "\n";
         }
     }
+    sections.erase(std::remove_if(sections.begin() + 1, sections.end(),
+                                  [](const Section& section) { return section.code.empty(); }),
+                   sections.end());
     return sections;
 }
 
