@@ -1,5 +1,5 @@
 // Reading connection texts, and showing them without secrets.
-#include "platform/security_manager/sql/ConnectionText.h"
+#include "platform/database/ConnectionText.h"
 #include "tests/Cases.h"
 
 #include <stdexcept>

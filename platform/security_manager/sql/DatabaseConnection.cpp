@@ -2,7 +2,7 @@
 
 #include "platform/KeptUntilUnload.h"
 #include "platform/logging/Tmr_LogFile.h"
-#include "platform/security_manager/sql/ConnectionText.h"
+#include "platform/database/ConnectionText.h"
 #include "platform/security_manager/sql/DatabaseAccess.h"
 #include "platform/security_manager/sql/SecurityColumns.h"
 

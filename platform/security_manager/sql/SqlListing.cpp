@@ -2,7 +2,7 @@
 #include "platform/security_manager/SECM_Listing.h"
 
 #include "platform/security_manager/sql/AllowedTexts.h"
-#include "platform/security_manager/sql/ConnectionText.h"
+#include "platform/database/ConnectionText.h"
 #include "platform/security_manager/sql/DatabaseAccess.h"
 #include "platform/security_manager/sql/DatabaseConnection.h"
 

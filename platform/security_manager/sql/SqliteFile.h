@@ -2,7 +2,7 @@
 // file that was deleted or replaced. Either could make users unknown.
 #pragma once
 
-#include "platform/security_manager/sql/ConnectionText.h"
+#include "platform/database/ConnectionText.h"
 
 #include <sys/stat.h>
 

@@ -1,4 +1,4 @@
-#include "platform/security_manager/sql/ConnectionText.h"
+#include "platform/database/ConnectionText.h"
 
 #include <fmt/format.h>
 #include <libpq-fe.h>
