@@ -30,7 +30,7 @@ constexpr std::size_t longestAnswerBytes = 16U << 20U;
 constexpr std::size_t lastWordsBytes = 500;
 constexpr auto patienceAtTheEnd = std::chrono::milliseconds(2000);
 
-void Close(int& descriptor)
+void CloseDescriptor(int& descriptor)
 {
     if (descriptor >= 0) {
         close(descriptor);
@@ -38,7 +38,7 @@ void Close(int& descriptor)
     }
 }
 
-void Require(bool holds, const char* what)
+void RequireCall(bool holds, const char* what)
 {
     if (!holds) {
         throw std::system_error(errno, std::generic_category(), what);
@@ -52,9 +52,9 @@ CommandProcess::CommandProcess(std::vector<std::string> words)
     try {
         Start(words);
     } catch (...) {
-        Close(input);
-        Close(output);
-        Close(errors);
+        CloseDescriptor(input);
+        CloseDescriptor(output);
+        CloseDescriptor(errors);
         throw;
     }
 }
@@ -65,18 +65,19 @@ void CommandProcess::Start(const std::vector<std::string>& words)
     std::array<int, 2> inputs{};
     std::array<int, 2> outputs{};
     std::array<int, 2> errorOutputs{};
-    Require(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, inputs.data()) == 0, "socketpair");
+    RequireCall(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, inputs.data()) == 0, "socketpair");
     input = inputs[0];
-    const std::unique_ptr<int, void (*)(int*)> inputOfProgram(&inputs[1], [](int* end) { Close(*end); });
+    const std::unique_ptr<int, void (*)(int*)> inputOfProgram(&inputs[1], [](int* end) { CloseDescriptor(*end); });
     shutdown(inputs[1], SHUT_WR);
-    Require(pipe2(outputs.data(), O_CLOEXEC) == 0, "pipe");
+    RequireCall(pipe2(outputs.data(), O_CLOEXEC) == 0, "pipe");
     output = outputs[0];
-    const std::unique_ptr<int, void (*)(int*)> outputOfProgram(&outputs[1], [](int* end) { Close(*end); });
-    Require(pipe2(errorOutputs.data(), O_CLOEXEC) == 0, "pipe");
+    const std::unique_ptr<int, void (*)(int*)> outputOfProgram(&outputs[1], [](int* end) { CloseDescriptor(*end); });
+    RequireCall(pipe2(errorOutputs.data(), O_CLOEXEC) == 0, "pipe");
     errors = errorOutputs[0];
-    const std::unique_ptr<int, void (*)(int*)> errorsOfProgram(&errorOutputs[1], [](int* end) { Close(*end); });
+    const std::unique_ptr<int, void (*)(int*)> errorsOfProgram(&errorOutputs[1],
+                                                               [](int* end) { CloseDescriptor(*end); });
     for (const int descriptor : {input, output, errors}) {
-        Require(fcntl(descriptor, F_SETFL, O_NONBLOCK) == 0, "fcntl");
+        RequireCall(fcntl(descriptor, F_SETFL, O_NONBLOCK) == 0, "fcntl");
     }
 
     posix_spawn_file_actions_t actions;
@@ -110,9 +111,9 @@ void CommandProcess::Start(const std::vector<std::string>& words)
 
 CommandProcess::~CommandProcess()
 {
-    Close(input);
-    Close(output);
-    Close(errors);
+    CloseDescriptor(input);
+    CloseDescriptor(output);
+    CloseDescriptor(errors);
     if (process > 0 && !Reap(patienceAtTheEnd)) {
         kill(process, SIGKILL);
         waitpid(process, &status, 0);
@@ -156,12 +157,12 @@ CommandProcess::End CommandProcess::Ask(const std::string& question, std::chrono
         std::array<pollfd, 3> ends{
             {{output, POLLIN, 0}, {errors, POLLIN, 0}, {unsent.empty() ? -1 : input, POLLOUT, 0}}};
         if (poll(ends.data(), ends.size(), static_cast<int>(std::min<long>(left, 1'000'000'000))) < 0) {
-            Require(errno == EINTR, "poll");
+            RequireCall(errno == EINTR, "poll");
             continue;
         }
         if (ends[1].revents != 0) {
             if (!ReadAvailable(errors, said)) {
-                Close(errors);
+                CloseDescriptor(errors);
             }
             said.erase(0, said.size() - std::min(said.size(), lastWordsBytes));
         }
@@ -181,7 +182,7 @@ CommandProcess::End CommandProcess::Ask(const std::string& question, std::chrono
 
 std::string CommandProcess::LastWords()
 {
-    Close(input);
+    CloseDescriptor(input);
     const bool hasEnded = Reap(patienceAtTheEnd);
     if (errors >= 0) {
         ReadAvailable(errors, said);

@@ -26,16 +26,16 @@ public:
     using DataError::DataError;
 };
 
-std::string CodeOf(const PGresult* result)
+std::string SqlStateOf(const PGresult* result)
 {
     const char* code = PQresultErrorField(result, PG_DIAG_SQLSTATE);
     return code == nullptr ? "" : code;
 }
 
-// Errors of the server or of the connection, not of a filter: out of resources, shut down, damaged.
+// Errors of the server, not of a filter: out of resources, shut down, damaged.
 bool IsOfServer(const std::string& code)
 {
-    constexpr std::array<std::string_view, 6> classes = {"08", "53", "57", "58", "F0", "XX"};
+    constexpr std::array<std::string_view, 5> classes = {"53", "57", "58", "F0", "XX"};
     return code.empty() ||
            (code != canceled && std::any_of(classes.begin(), classes.end(),
                                             [&](std::string_view begin) { return code.starts_with(begin); }));
@@ -47,14 +47,14 @@ std::string WithoutLineEnd(std::string text)
     return text;
 }
 
-std::string TextOf(const PGresult* result, int row, int column)
+std::string FieldText(const PGresult* result, int row, int column)
 {
     return {PQgetvalue(result, row, column), static_cast<std::size_t>(PQgetlength(result, row, column))};
 }
 
-std::uint64_t NumberOf(const PGresult* result)
+std::uint64_t FieldNumber(const PGresult* result)
 {
-    const std::string text = TextOf(result, 0, 0);
+    const std::string text = FieldText(result, 0, 0);
     std::uint64_t number = 0;
     std::from_chars(text.data(), text.data() + text.size(), number);
     return number;
@@ -102,11 +102,11 @@ void PostgreSqlData::RequireHarmlessRole(const std::string& tableName)
             "IN ('pg_read_server_files', 'pg_write_server_files', 'pg_execute_server_program')) AND "
             "pg_has_role(session_user, oid, 'MEMBER')");
     if (PQgetisnull(found.get(), 0, 1) == 0) {
-        const std::string user = TextOf(found.get(), 0, 0);
+        const std::string user = FieldText(found.get(), 0, 0);
         throw DataError(fmt::format("the role '{}' has the rights of {}, which a filter could use to read or change "
                                     "more than the table; connect as a role that may only read it: CREATE ROLE "
                                     "filter_reader LOGIN; GRANT SELECT ON {} TO filter_reader",
-                                    user, TextOf(found.get(), 0, 1), tableName));
+                                    user, FieldText(found.get(), 0, 1), tableName));
     }
 }
 
@@ -119,7 +119,7 @@ void PostgreSqlData::FindTable(const std::string& name)
                                     "(SCHEMA.TABLE), and double quotes around a name with capital letters",
                                     name));
     }
-    table = TextOf(found.get(), 0, 0);
+    table = FieldText(found.get(), 0, 0);
 }
 
 void PostgreSqlData::FindKey(const std::string& column)
@@ -129,9 +129,9 @@ void PostgreSqlData::FindKey(const std::string& column)
             "::regclass AND attnum > 0 AND NOT attisdropped ORDER BY (attname <> " + Literal(column) + "), attnum");
     std::string others;
     for (int row = 0; row < PQntuples(found.get()); ++row) {
-        others += (row == 0 ? "" : ", ") + TextOf(found.get(), row, 0);
+        others += (row == 0 ? "" : ", ") + FieldText(found.get(), row, 0);
     }
-    if (PQntuples(found.get()) == 0 || TextOf(found.get(), 0, 0) != column) {
+    if (PQntuples(found.get()) == 0 || FieldText(found.get(), 0, 0) != column) {
         throw DataError(fmt::format("the table '{}' has no column '{}'; its columns are {}", table, column, others));
     }
     const std::unique_ptr<char, decltype(&PQfreemem)> quoted(
@@ -275,7 +275,7 @@ PostgreSqlData::Result PostgreSqlData::NextResult()
 
 void PostgreSqlData::Fail(const PGresult* failed, bool isOfFilter)
 {
-    const std::string code = CodeOf(failed);
+    const std::string code = SqlStateOf(failed);
     const char* primary = PQresultErrorField(failed, PG_DIAG_MESSAGE_PRIMARY);
     const std::string said = code == canceled     ? fmt::format("not finished within {} s", timeoutSeconds)
                              : primary != nullptr ? std::string(primary)
@@ -296,7 +296,7 @@ void PostgreSqlData::Lose(const std::string& reason)
 
 std::uint64_t PostgreSqlData::Count(const RowFilter& filter)
 {
-    return NumberOf(Ask("SELECT count(*) FROM " + table + " WHERE " + Condition(filter), {&filter}).get());
+    return FieldNumber(Ask("SELECT count(*) FROM " + table + " WHERE " + Condition(filter), {&filter}).get());
 }
 
 bool PostgreSqlData::Matches(const RowFilter& filter, const std::string& key)
@@ -328,12 +328,12 @@ bool PostgreSqlData::IsInvalid(const std::string& statementOfKey)
 std::vector<std::string> PostgreSqlData::KeysWhere(const std::string& condition, std::size_t limit,
                                                    std::initializer_list<const RowFilter*> filters)
 {
-    const Result rows = Ask(
-        fmt::format("SELECT {0}::text FROM {1} WHERE {2} ORDER BY {0} LIMIT {3}", keyColumn, table, condition, limit),
-        filters);
+    const Result rows = Ask(fmt::format("SELECT {0}::text AS text_of_key FROM {1} WHERE {2} ORDER BY {0} LIMIT {3}",
+                                        keyColumn, table, condition, limit),
+                            filters);
     std::vector<std::string> keys;
     for (int row = 0; row < PQntuples(rows.get()); ++row) {
-        keys.push_back(TextOf(rows.get(), row, 0));
+        keys.push_back(FieldText(rows.get(), row, 0));
     }
     return keys;
 }
@@ -348,7 +348,8 @@ RowDifference PostgreSqlData::Difference(const RowFilter& filter, const RowFilte
 {
     const std::string condition = Condition(filter) + " IS TRUE AND " + Condition(other) + " IS NOT TRUE";
     RowDifference difference;
-    difference.count = NumberOf(Ask("SELECT count(*) FROM " + table + " WHERE " + condition, {&filter, &other}).get());
+    difference.count =
+        FieldNumber(Ask("SELECT count(*) FROM " + table + " WHERE " + condition, {&filter, &other}).get());
     if (difference.count != 0 && limit != 0) {
         RequireKey();
         difference.keys = KeysWhere(condition, limit, {&filter, &other});
@@ -365,7 +366,7 @@ std::vector<ColumnValue> PostgreSqlData::Row(const std::string& key)
         for (int column = 0; PQntuples(row.get()) != 0 && column < PQnfields(row.get()); ++column) {
             const bool isNull = PQgetisnull(row.get(), 0, column) != 0;
             columns.emplace_back(PQfname(row.get(), column),
-                                 isNull ? std::nullopt : std::optional(TextOf(row.get(), 0, column)));
+                                 isNull ? std::nullopt : std::optional(FieldText(row.get(), 0, column)));
         }
     } catch (const InvalidKey&) {
         // No row has it.

@@ -16,7 +16,7 @@ namespace {
 constexpr int instructionsBetweenLooks = 1000; // of SQLite's virtual machine
 constexpr int longestTextBytes = 100'000'000;  // that a filter may build in memory
 
-std::string Quoted(std::string_view name)
+std::string QuotedName(std::string_view name)
 {
     std::string quoted = "\"";
     for (const char character : name) {
@@ -43,14 +43,14 @@ std::string TooSlow(unsigned seconds)
 }
 
 // The line and column of a byte in a text, both from 1.
-std::pair<std::size_t, std::size_t> PlaceOf(std::string_view text, std::size_t offset)
+std::pair<std::size_t, std::size_t> LineAndColumn(std::string_view text, std::size_t offset)
 {
     const std::string_view before = text.substr(0, offset);
     const std::size_t lineStart = before.rfind('\n') + 1; // 0 when there is none
     return {static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')) + 1, offset - lineStart + 1};
 }
 
-std::string TextOf(sqlite3_stmt* row, int column)
+std::string ColumnText(sqlite3_stmt* row, int column)
 {
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
     return text == nullptr ? std::string()
@@ -94,7 +94,7 @@ SqliteData::Database SqliteData::MakeOf(std::string_view statements, const std::
         throw DataError(handle != nullptr ? sqlite3_errmsg(handle) : "out of memory");
     }
     if (const std::size_t nul = statements.find('\0'); nul != std::string_view::npos) {
-        const auto [line, column] = PlaceOf(statements, nul);
+        const auto [line, column] = LineAndColumn(statements, nul);
         throw DataError(fmt::format("{}:{}:{}: a NUL character; SQLite would not read on", name, line, column));
     }
     auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(timeoutSeconds);
@@ -113,7 +113,7 @@ SqliteData::Database SqliteData::MakeOf(std::string_view statements, const std::
             const int inStatement = sqlite3_error_offset(handle);
             const std::size_t offset =
                 statements.size() - rest.size() + (inStatement > 0 ? static_cast<std::size_t>(inStatement) : skipped);
-            const auto [line, column] = PlaceOf(statements, offset);
+            const auto [line, column] = LineAndColumn(statements, offset);
             throw DataError(fmt::format("{}:{}:{}: {}", name, line, column,
                                         result == SQLITE_INTERRUPT ? TooSlow(timeoutSeconds)
                                         : result == SQLITE_AUTH    ? "statements here must not attach other files"
@@ -175,7 +175,7 @@ void SqliteData::FindTable(const std::string& name)
         "SELECT name FROM sqlite_schema WHERE type IN ('table', 'view') AND name NOT LIKE 'sqlite!_%' ESCAPE '!' "
         "ORDER BY name",
         nullptr, false, [&](sqlite3_stmt* row) {
-            const std::string found = TextOf(row, 0);
+            const std::string found = ColumnText(row, 0);
             if (sqlite3_stricmp(found.c_str(), sought.c_str()) == 0) {
                 table = found;
             }
@@ -185,17 +185,17 @@ void SqliteData::FindTable(const std::string& name)
         throw DataError(
             fmt::format("there is no table or view '{}'; the database has {}", name, others.empty() ? "none" : others));
     }
-    quoted = Quoted(table);
+    quoted = QuotedName(table);
 }
 
 void SqliteData::FindKey(const std::string& column)
 {
     std::string others;
     ForEachRow("SELECT name, type FROM pragma_table_xinfo(?1)", &table, false, [&](sqlite3_stmt* row) {
-        const std::string found = TextOf(row, 0);
+        const std::string found = ColumnText(row, 0);
         if (sqlite3_stricmp(found.c_str(), column.c_str()) == 0) {
-            keyColumn = Quoted(found);
-            keyHasType = ConvertsTexts(TextOf(row, 1));
+            keyColumn = QuotedName(found);
+            keyHasType = ConvertsTexts(ColumnText(row, 1));
         }
         others += (others.empty() ? "" : ", ") + found;
     });
@@ -305,7 +305,7 @@ std::vector<std::string> SqliteData::KeysWhere(const std::string& condition, boo
 {
     std::vector<std::string> keys;
     ForEachRow(fmt::format("SELECT {0} FROM {1} WHERE {2} ORDER BY {0} LIMIT {3}", keyColumn, quoted, condition, limit),
-               nullptr, hasFilter, [&](sqlite3_stmt* row) { keys.push_back(TextOf(row, 0)); });
+               nullptr, hasFilter, [&](sqlite3_stmt* row) { keys.push_back(ColumnText(row, 0)); });
     return keys;
 }
 
@@ -339,7 +339,7 @@ std::vector<ColumnValue> SqliteData::Row(const std::string& key)
                    for (int column = 0; column < sqlite3_column_count(row); ++column) {
                        const bool isNull = sqlite3_column_type(row, column) == SQLITE_NULL;
                        columns.emplace_back(sqlite3_column_name(row, column),
-                                            isNull ? std::nullopt : std::optional(TextOf(row, column)));
+                                            isNull ? std::nullopt : std::optional(ColumnText(row, column)));
                    }
                });
     return columns;
