@@ -4,11 +4,13 @@
 
 #include "analysis/check/FilledTemplate.h"
 #include "analysis/check/QueryText.h"
+#include "analysis/check/Spelling.h"
 #include "analysis/check/UnpairedMark.h"
 #include "analysis/check/WordCharacter.h"
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -87,6 +89,54 @@ void JoinedTwice(const Join& join, FindingSink& sink)
     }
 }
 
+// A word such as AN. Operators of other languages, such as XOR and NEAR, are no misspelt ones.
+void IsMisspelt(const Join& join, FindingSink& sink)
+{
+    const std::string word = LowerCase(WithoutOuterBlanks(join.delimiter));
+    const bool isWord = word.size() > 1 && word.size() < 5 && std::all_of(word.begin(), word.end(), IsWordCharacter);
+    if (!isWord || word == "and" || word == "or" || word == "xor" || word == "nor" || word == "not") {
+        return;
+    }
+    for (const char* meant : {"and", "or"}) {
+        if (Distance(word, meant) == 1) {
+            sink.Error("AC019", join.place, fmt::format("{} '{}' is no operator", join.key, join.delimiter),
+                       "the filters of users whom it concerns break",
+                       fmt::format("write {} = \" {} \"", join.key, word.starts_with('a') ? "AND" : "OR"));
+            return;
+        }
+    }
+}
+
+// In lists of JSON and in similar languages, a comma stands between conditions that must all hold.
+void FieldsAreJoinedByComma(const Join& fields, FindingSink& sink)
+{
+    const bool isSimilar = std::any_of(fields.parts.begin(), fields.parts.end(), [](const Part& part) {
+        return part.text.find_first_of("{:") != std::string::npos;
+    });
+    if (fields.parts.size() > 1 && WithoutOuterBlanks(fields.delimiter) == "," && !isSimilar) {
+        sink.Error("AC019", fields.place, fmt::format("{} '{}' is no AND", fields.key, fields.delimiter),
+                   "the filters of users whom two fields restrict break, or show what one of the fields lets through",
+                   "write an AND, such as filter_delimiter = \" AND \"");
+    }
+}
+
+// The host writes the word before the filter, so it would stand there twice.
+void BeginsWithWhere(const std::string& text, const CFG_Place& place, const std::string& name, FindingSink& sink)
+{
+    const std::string lower = LowerCase(WithoutOuterBlanks(text));
+    constexpr std::string_view where = "where";
+    if (!lower.starts_with(where) || lower.size() < where.size() + 2 || lower[where.size()] != ' ') {
+        return;
+    }
+    const std::string_view behind = WithoutOuterBlanks(std::string_view(lower).substr(where.size()));
+    const bool isColumn = HasWord(std::string(behind.substr(0, behind.find(' '))), "in") || behind.starts_with("is ") ||
+                          behind.starts_with("like ") || behind.starts_with("between ") || behind.starts_with("not ");
+    if (!isColumn && (IsWord(behind, true) || behind.starts_with('(') || behind.starts_with('"'))) {
+        sink.Error("AC019", place, fmt::format("{} begins with WHERE", name),
+                   "the host writes WHERE before the whole filter: the filters that contain it break", "remove WHERE");
+    }
+}
+
 void UnpairedInDelimiter(const Join& join, FindingSink& sink)
 {
     // A delimiter such as ") OR (" is right: parentheses stand around what it joins.
@@ -101,6 +151,7 @@ void CheckJoin(const Join& join, FindingSink& sink)
     if (!join.delimiter.empty()) {
         BlanksAreMissing(join, sink);
         JoinedTwice(join, sink);
+        IsMisspelt(join, sink);
         UnpairedInDelimiter(join, sink);
     }
 }
@@ -150,6 +201,9 @@ void CheckJoins(const CheckedRepository& repository, FindingSink& sink)
                 {}};
     for (const CheckedDefinition& definition : repository.definitions) {
         std::vector<Part> parts = PartsOf(repository, definition);
+        for (const Part& part : parts) {
+            BeginsWithWhere(part.text, part.place, part.name, sink);
+        }
         if (parts.size() == 1) {
             fields.parts.push_back(parts.front());
         } else if (parts.size() > 1) {
@@ -160,6 +214,10 @@ void CheckJoins(const CheckedRepository& repository, FindingSink& sink)
         }
     }
     CheckJoin(fields, sink);
+    FieldsAreJoinedByComma(fields, sink);
+    const FilterSettings& settings = repository.Rules().settings;
+    BeginsWithWhere(settings.hideAllFilter, repository.table.PlaceOf("hide_all_filter"), "hide_all_filter", sink);
+    BeginsWithWhere(settings.defaultFilter, repository.table.PlaceOf("default_filter"), "default_filter", sink);
 }
 
 } // namespace secm::analysis
