@@ -148,7 +148,7 @@ TraceComparison::TraceComparison(FilterSettings settingsBefore, FilterSettings s
 
 UserChange TraceComparison::Compare(const Trace& old, const Trace& now) const
 {
-    UserChange user{now.request.userName, old.answer, now.answer, Change::same, {}, {}};
+    UserChange user{now.request.userName, old.answer, now.answer, Change::same, {}, {}, {}};
     const auto decide = [&user](Change change, const char* because) {
         user.change = change;
         user.because = because;

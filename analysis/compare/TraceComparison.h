@@ -5,6 +5,8 @@
 
 #include "analysis/trace/Trace.h"
 
+#include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -25,6 +27,15 @@ struct FieldChange {
     std::vector<std::string> removed; ///< Values that only the earlier filter has, likewise.
 };
 
+/// What a change means on the rows there are today.
+struct RowChange {
+    std::uint64_t gained = 0;            ///< Rows that only the later filter lets through.
+    std::uint64_t lost = 0;              ///< Rows that only the earlier filter lets through.
+    std::vector<std::string> gainedKeys; ///< The first of them; empty when no key column is named.
+    std::vector<std::string> lostKeys;
+    std::string error; ///< What the engine says against one of the filters; then the numbers mean nothing.
+};
+
 struct UserChange {
     std::string user;
     Answer before;
@@ -32,6 +43,7 @@ struct UserChange {
     Change change = Change::same;
     std::string because;             ///< The reason, where it is not the fields; empty otherwise.
     std::vector<FieldChange> fields; ///< Those that differ.
+    std::optional<RowChange> rows;   ///< Only after CompareRows.
 };
 
 /// A filter in the settings that differs, whether or not any user gets it today.

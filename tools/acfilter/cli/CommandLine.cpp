@@ -94,6 +94,18 @@ void AddRequestOptions(CLI::App& command, RequestOptions& options, const std::st
     AddFormat(command, options.format, formatHelp, formats);
 }
 
+void AddDataOptions(CLI::App& command, DataOptions& options, const char* help)
+{
+    AddOption(command, "--data", options.connection, help)->type_name("CONNECT");
+    AddOption(command, "--table", options.table, "The table or view of the rows; for SQL")->type_name("NAME");
+    AddOption(command, "--key", options.key, "The column that tells rows apart; for SQL")->type_name("COLUMN");
+}
+
+void AddRecordOption(CLI::App& command, DataOptions& options, const char* help)
+{
+    AddOption(command, "--record", options.record, help)->type_name("KEY");
+}
+
 void AddOptions(CLI::App& command, FilterOptions& options)
 {
     AddHostOptions(command, options.host, {});
@@ -121,6 +133,9 @@ void AddOptions(CLI::App& command, ExplainOptions& options)
     AddHostOptions(command, options.host, {});
     AddRequestOptions(command, options.request, "text: for people; json: one object, for programs");
     command.add_flag("--full", options.isFull, "Show long lists and texts completely");
+    AddDataOptions(command, options.data,
+                   "Try the filter on rows: sqlite3://db=FILE, postgresql://... or command:PROGRAM ARGS");
+    AddRecordOption(command, options.data, "Say why the user sees the row with this key, or does not");
     AddChangeOptions(command, options.changes);
     AddOption(command, "USER", options.user, "The user's name; one that begins with - after --")
         ->required()
@@ -148,6 +163,9 @@ void AddOptions(CLI::App& command, ReportOptions& options)
     AddOption(command, "--output", options.output,
               "Write to this file, which is replaced once all is written; else to standard output")
         ->type_name("FILE");
+    AddDataOptions(command, options.data,
+                   "Try each filter on rows: sqlite3://db=FILE, postgresql://... or command:PROGRAM ARGS");
+    AddRecordOption(command, options.data, "Say who sees the row with this key");
     command.add_flag("--values", options.showValues, "Show the values of each field, not only how many there are");
     command.add_flag("--full", options.isFull, "Show long lists and texts whole in text");
 }
@@ -165,6 +183,8 @@ void AddOptions(CLI::App& command, DiffOptions& options)
     AddOption(command, "--users-from", options.usersFrom,
               "A file of user names, one a line; - for standard input; else every user of both security databases")
         ->type_name("FILE");
+    AddDataOptions(command, options.data,
+                   "Compare on rows: sqlite3://db=FILE, postgresql://... or command:PROGRAM ARGS");
     AddChangeOptions(command, options.changes);
     CLI::Option* forUser =
         AddOption(command, "--for-user", options.forUser, "The user whom --attribute, --grant and --revoke concern")

@@ -147,8 +147,7 @@ ExitStatus RunCheck(const CheckOptions& options)
         output.Write(isJson ? SummaryJson(summary) : SummaryText(summary));
     }
     output.Finish();
-    return errors > 0 || (options.isStrict && !findings.empty()) ? ExitStatus::configurationIsWrong
-                                                                 : ExitStatus::success;
+    return errors > 0 || (options.isStrict && !findings.empty()) ? ExitStatus::rulesAreWrong : ExitStatus::success;
 }
 
 } // namespace secm::acfilter

@@ -14,7 +14,7 @@ struct CheckOptions {
     Format format = Format::text;
 };
 
-/// Gives configurationIsWrong when there is an error. Throws std::exception when it fails.
+/// Gives rulesAreWrong when there is an error. Throws std::exception when it fails.
 ExitStatus RunCheck(const CheckOptions& options);
 
 } // namespace secm::acfilter

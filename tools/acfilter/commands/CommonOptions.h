@@ -26,6 +26,16 @@ struct RequestOptions {
     Format format = Format::text;
 };
 
+/// Rows that filters are tried on.
+struct DataOptions {
+    bool IsGiven() const { return !connection.empty(); }
+
+    std::string connection; ///< As in analysis::DataPlace; empty: filters are not tried.
+    std::string table;
+    std::string key;
+    std::optional<std::string> record; ///< The key of one row.
+};
+
 /// Changes of attributes and grants that are tried.
 struct ChangeOptions {
     bool IsEmpty() const { return attributes.empty() && grants.empty() && revocations.empty(); }

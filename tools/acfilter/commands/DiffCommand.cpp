@@ -2,6 +2,7 @@
 // configuration and keeps what it read.
 #include "tools/acfilter/commands/DiffCommand.h"
 
+#include "analysis/compare/RowComparison.h"
 #include "analysis/trace/Tracer.h"
 #include "tools/acfilter/commands/Configuration.h"
 #include "tools/acfilter/commands/Connection.h"
@@ -9,6 +10,7 @@
 #include "tools/acfilter/commands/FileOutput.h"
 #include "tools/acfilter/commands/ListedNames.h"
 #include "tools/acfilter/commands/Log.h"
+#include "tools/acfilter/commands/RowData.h"
 #include "tools/acfilter/commands/TriedChanges.h"
 #include "tools/acfilter/commands/UserSource.h"
 #include "tools/acfilter/io/OutputFile.h"
@@ -17,6 +19,7 @@
 
 #include <fmt/format.h>
 
+#include <memory>
 #include <set>
 #include <stdexcept>
 #include <utility>
@@ -161,8 +164,12 @@ public:
           after("after", HostAfter(options), options.toConfiguration ? "--to" : "--config",
                 options.toSecurityDatabase ? "--to-security" : "--security", tried),
           comparison(before.Rules().settings, after.Rules().settings,
-                     {options.excluding.begin(), options.excluding.end()})
+                     {options.excluding.begin(), options.excluding.end()}),
+          data(OpenRows(options.data, options.host.timeoutSeconds))
     {
+        if (data) {
+            data->Count(std::nullopt); // fails here when the rows cannot be read
+        }
         RequireFields(options.excluding, before.Rules(), after.Rules());
     }
 
@@ -223,7 +230,11 @@ private:
         const analysis::Request request = RequestFor(name);
         const analysis::Trace old = before.Explain(request);
         const analysis::Trace now = after.Explain(request);
-        writer.Add(comparison.Compare(old, now));
+        analysis::UserChange change = comparison.Compare(old, now);
+        if (data) {
+            analysis::CompareRows(change, *data, HasKeys(options.data) ? 1 : 0);
+        }
+        writer.Add(change);
         isTriedOnSomebody = isTriedOnSomebody || now.tried.isApplied;
         if (IsUnknown(old) && IsUnknown(now)) {
             writer.AddUnknown(UnknownUserOf(request, before, after));
@@ -243,6 +254,7 @@ private:
     Side before;
     Side after;
     analysis::TraceComparison comparison;
+    std::unique_ptr<analysis::DataSource> data; // null: filters are not tried on rows
     Progress progress{false};
 };
 
@@ -251,11 +263,12 @@ private:
 ExitStatus RunDiff(const DiffOptions& options)
 {
     RequireUse(options);
+    RequireDataUse(options.data);
     RequireUsersFrom(options.usersFrom);
     OutputFile file(std::nullopt);
     FileOutput output(file);
     DiffWriter writer({options.host.repository, options.host.configuration, HostAfter(options).configuration,
-                       HasOtherDatabase(options), options.excluding, ChangesAfter(options)},
+                       HasOtherDatabase(options), options.excluding, ChangesAfter(options), ShownRows(options.data)},
                       output, options.request.format == Format::json, options.isFull);
     StartLog(options.host);
     { // removes the line of progress before the answer is written
@@ -267,8 +280,8 @@ ExitStatus RunDiff(const DiffOptions& options)
     file.Finish();
     const DiffSummary& summary = writer.Summary();
     RequireSomebody(summary);
-    const bool somebodySeesMore =
-        summary.Holds(analysis::Change::wider) || (options.isStrict && summary.Holds(analysis::Change::changed));
+    const bool somebodySeesMore = summary.Holds(analysis::Change::wider) || summary.gainCount != 0 ||
+                                  (options.isStrict && summary.Holds(analysis::Change::changed));
     return somebodySeesMore ? ExitStatus::somebodySeesMore : ExitStatus::success;
 }
 

@@ -13,6 +13,7 @@ namespace secm::acfilter {
 struct DiffOptions {
     HostOptions host;                              ///< Of the side before.
     RequestOptions request;                        ///< With the format text or json.
+    DataOptions data;                              ///< Without a record.
     std::optional<std::string> toConfiguration;    ///< Else that of the side before.
     std::optional<std::string> toSecurityDatabase; ///< Else that of the side before.
     std::optional<std::string> usersFrom;          ///< Else every user of both security databases.

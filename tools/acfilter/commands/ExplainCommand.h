@@ -11,6 +11,7 @@ namespace secm::acfilter {
 struct ExplainOptions {
     HostOptions host;
     RequestOptions request; ///< With the format text or json.
+    DataOptions data;
     bool isFull = false;
     ChangeOptions changes;
     std::string user;

@@ -2,6 +2,7 @@
 // file, so memory does not grow with the number of users.
 #include "tools/acfilter/commands/ReportCommand.h"
 
+#include "analysis/data/DataSource.h"
 #include "analysis/trace/Tracer.h"
 #include "platform/configuration/CFG_RepositoryServices.h"
 #include "platform/security_manager/SECM_Listing.h"
@@ -11,6 +12,7 @@
 #include "tools/acfilter/commands/Errors.h"
 #include "tools/acfilter/commands/FileOutput.h"
 #include "tools/acfilter/commands/Log.h"
+#include "tools/acfilter/commands/RowData.h"
 #include "tools/acfilter/commands/UserSource.h"
 #include "tools/acfilter/io/OutputFile.h"
 #include "tools/acfilter/io/Progress.h"
@@ -19,6 +21,7 @@
 #include "tools/acfilter/render/Sha256.h"
 
 #include <array>
+#include <chrono>
 #include <ctime>
 #include <filesystem>
 #include <memory>
@@ -78,14 +81,58 @@ std::unique_ptr<ReportWriter> MakeWriter(Format format, const ReportHead& head, 
     }
 }
 
-void WriteRows(const ReportOptions& options, analysis::Tracer& tracer, std::size_t fieldCount, ReportWriter& writer)
+// Tries filters on the rows of --data.
+class RowCounter {
+public:
+    explicit RowCounter(const ReportOptions& options)
+        : record(options.data.record), data(OpenRows(options.data, options.host.timeoutSeconds)),
+          all(data ? data->Count(std::nullopt) : 0)
+    {
+    }
+
+    std::optional<RowsSeen> RowsOf(const analysis::Answer& answer)
+    {
+        if (!data) {
+            return std::nullopt;
+        }
+        const analysis::RowFilter filter = analysis::RowFilterOf(answer);
+        const auto start = std::chrono::steady_clock::now();
+        RowsSeen rows{0, all, {}, {}, 0};
+        try {
+            rows.visible = data->Count(filter);
+            if (record) {
+                rows.sees = data->Matches(filter, *record);
+            }
+        } catch (const analysis::FilterRefused& error) {
+            rows.error = error.what();
+        }
+        rows.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        return rows;
+    }
+
+private:
+    const std::optional<std::string> record;
+    const std::unique_ptr<analysis::DataSource> data; // null: filters are not tried
+    const std::uint64_t all;
+};
+
+RowsSummary WriteRows(const ReportOptions& options, analysis::Tracer& tracer, RowCounter& counter,
+                      std::size_t fieldCount, ReportWriter& writer)
 {
+    RowsSummary summary;
     const bool rowsAppear =
         !options.output && (options.request.format == Format::csv || options.request.format == Format::json);
     Progress progress(rowsAppear);
     const auto addRow = [&](const std::string& userName) {
         const analysis::Request request{userName, options.request.ipAddress, options.request.withoutLogin};
-        writer.Add(RowOf(AskFor(userName, [&] { return tracer.Explain(request); }), fieldCount));
+        const ReportRow row = AskFor(userName, [&] {
+            const analysis::Trace trace = tracer.Explain(request);
+            ReportRow asked = RowOf(trace, fieldCount);
+            asked.rows = counter.RowsOf(trace.answer);
+            return asked;
+        });
+        summary.Add(row);
+        writer.Add(row);
         progress.CountOne();
     };
     if (options.usersFrom) {
@@ -97,6 +144,7 @@ void WriteRows(const ReportOptions& options, analysis::Tracer& tracer, std::size
         throw std::runtime_error("the security database holds no user, so there is nothing to report; check the "
                                  "option --security");
     }
+    return summary;
 }
 
 } // namespace
@@ -104,6 +152,7 @@ void WriteRows(const ReportOptions& options, analysis::Tracer& tracer, std::size
 ExitStatus RunReport(const ReportOptions& options)
 {
     RequireUsersFrom(options.usersFrom);
+    RequireDataUse(options.data);
     const HostOptions& host = options.host;
     ReportHead head;
     head.repository = host.repository;
@@ -111,6 +160,8 @@ ExitStatus RunReport(const ReportOptions& options)
     head.withoutLogin = options.request.withoutLogin;
     head.showValues = options.showValues;
     head.isFull = options.isFull;
+    head.data = ShownRows(options.data);
+    head.record = options.data.record;
     head.generated = Now();
     StartLog(host);
     const Candidate candidate = options.request.format == Format::html
@@ -126,6 +177,7 @@ ExitStatus RunReport(const ReportOptions& options)
     if (shownSECM_Connection != nullptr) {
         head.securityDatabase = shownSECM_Connection(host.securityDatabase.c_str());
     }
+    RowCounter counter(options);
     if (options.output) {
         RequireNoInput(*options.output, host, candidate.get(), options.usersFrom);
     }
@@ -133,10 +185,10 @@ ExitStatus RunReport(const ReportOptions& options)
     FileOutput output(file);
 
     const std::unique_ptr<ReportWriter> writer = MakeWriter(options.request.format, head, output);
-    WriteRows(options, tracer, head.fields.size(), *writer);
-    writer->Finish();
+    const RowsSummary rows = WriteRows(options, tracer, counter, head.fields.size(), *writer);
+    writer->Finish(rows);
     file.Finish();
-    return ExitStatus::success;
+    return rows.HasFaults() ? ExitStatus::rulesAreWrong : ExitStatus::success;
 }
 
 } // namespace secm::acfilter

@@ -14,6 +14,16 @@ Json GranteeOf(const analysis::WhatIf& tried, bool isGroup)
     return tried.grantee && tried.grantee->isGroup == isGroup ? Json(tried.grantee->name) : Json(nullptr);
 }
 
+Json RowChangeJson(const analysis::RowChange& rows)
+{
+    if (!rows.error.empty()) {
+        return {{"error", rows.error}};
+    }
+    return {{"gained", rows.gained},
+            {"lost", rows.lost},
+            {"examples", {{"gained", rows.gainedKeys}, {"lost", rows.lostKeys}}}};
+}
+
 } // namespace
 
 std::string SummaryJson(const DiffSummary& summary)
@@ -55,14 +65,18 @@ std::string UserChangeJson(const analysis::UserChange& user)
                           {"added", field.added},
                           {"removed", field.removed}});
     }
-    return JsonLine({{"user", user.user},
-                     {"change", NameOf(user.change)},
-                     {"because", TextOrNull(user.because)},
-                     {"outcomeBefore", NameOf(user.before.outcome)},
-                     {"outcomeAfter", NameOf(user.after.outcome)},
-                     {"fields", std::move(fields)},
-                     {"filterBefore", user.before.filter},
-                     {"filterAfter", user.after.filter}});
+    Json object = {{"user", user.user},
+                   {"change", NameOf(user.change)},
+                   {"because", TextOrNull(user.because)},
+                   {"outcomeBefore", NameOf(user.before.outcome)},
+                   {"outcomeAfter", NameOf(user.after.outcome)},
+                   {"fields", std::move(fields)},
+                   {"filterBefore", user.before.filter},
+                   {"filterAfter", user.after.filter}};
+    if (user.rows) {
+        object["rows"] = RowChangeJson(*user.rows);
+    }
+    return JsonLine(object);
 }
 
 } // namespace secm::acfilter

@@ -38,6 +38,21 @@ std::string BeforeAndNow(const std::string& before, const std::string& now, bool
     return LabelledLine(3, "before", FilterText(before, isFull)) + LabelledLine(3, "now", FilterText(now, isFull));
 }
 
+std::string CountAndExample(const char* verb, std::uint64_t count, const std::vector<std::string>& keys)
+{
+    return fmt::format("{} {}{}", verb, count, keys.empty() ? "" : fmt::format(" (such as {})", Quoted(keys.front())));
+}
+
+std::string RowChangeText(const analysis::RowChange& rows)
+{
+    if (!rows.error.empty()) {
+        return "not compared, because the engine refuses a filter: " + Printable(rows.error);
+    }
+    return rows.gained == 0 && rows.lost == 0 ? "the same today; others may be added"
+                                              : CountAndExample("gained", rows.gained, rows.gainedKeys) + ", " +
+                                                    CountAndExample("lost", rows.lost, rows.lostKeys);
+}
+
 std::string UnknownText(const DiffSummary& summary)
 {
     std::string names;
@@ -80,10 +95,14 @@ std::string SummaryText(const DiffSummary& summary)
     return LabelledLine(0, "Repository", Quoted(head.repository)) + LabelledLine(0, "Before", Printable(head.before)) +
            LabelledLine(0, "After",
                         Printable(head.after) + (head.hasOtherDatabase ? ", with another security database" : "")) +
-           changes +
+           changes + (head.data.empty() ? "" : LabelledLine(0, "Rows", Printable(head.data))) +
            LabelledLine(
                0, "Users",
                fmt::format("{}: {}{} the same", summary.CountOfAll(), kinds, summary.CountOf(analysis::Change::same))) +
+           (summary.refusedCount == 0 ? ""
+                                      : LabelledLine(0, "Refused",
+                                                     fmt::format("filters of {} of them, by the engine; see their rows",
+                                                                 summary.refusedCount))) +
            UnknownText(summary) + settings +
            LabelledLine(0, "Assumed", "each further value of a field shows more records, each further field fewer;") +
            LabelledLine(0, "", "a template means the same beside others, and for one value as for several") +
@@ -101,6 +120,9 @@ std::string UserChangeText(const analysis::UserChange& user, bool isFull)
                     user.because.empty() ? "" : "; ", user.because);
     for (const analysis::FieldChange& field : user.fields) {
         text += FieldText(field, isFull);
+    }
+    if (user.rows) {
+        text += LabelledLine(3, "rows", RowChangeText(*user.rows));
     }
     if (user.change == analysis::Change::changed) {
         text += BeforeAndNow(user.before.filter, user.after.filter, isFull);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t mostNamed = 5;
 
-const char* TitleOf(analysis::Change change)
+const char* TitleOf(analysis::Change change, bool isOnRows)
 {
     switch (change) {
     case analysis::Change::wider:
@@ -19,7 +19,7 @@ const char* TitleOf(analysis::Change change)
     case analysis::Change::narrower:
         return "Narrower";
     default:
-        return "Changed; whether they see more is not known";
+        return isOnRows ? "Changed" : "Changed; whether they see more is not known";
     }
 }
 
@@ -45,6 +45,8 @@ void DiffWriter::Add(const analysis::UserChange& user)
 {
     const auto kind = static_cast<std::size_t>(user.change);
     ++summary.counts.at(kind);
+    summary.gainCount += user.rows && user.rows->gained != 0 ? 1U : 0U;
+    summary.refusedCount += user.rows && !user.rows->error.empty() ? 1U : 0U;
     if (kind < users.size()) {
         users.at(kind)->Write(isForPrograms ? UserChangeJson(user) : UserChangeText(user, areTextsWhole));
     }
@@ -63,7 +65,7 @@ void DiffWriter::Finish()
     output.Write(isForPrograms ? SummaryJson(summary) : SummaryText(summary));
     for (const analysis::Change change : shownChanges) {
         if (!isForPrograms && summary.CountOf(change) != 0) {
-            output.Write(fmt::format("\n{}\n", TitleOf(change)));
+            output.Write(fmt::format("\n{}\n", TitleOf(change, !summary.head.data.empty())));
         }
         users.at(static_cast<std::size_t>(change))->ForEachLine([&](std::string_view line) {
             output.Write(fmt::format("{}\n", line));

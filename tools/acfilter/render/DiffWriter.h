@@ -22,6 +22,7 @@ struct DiffHead {
     bool hasOtherDatabase = false;
     std::vector<std::string> excluding;
     analysis::WhatIf tried; ///< On the side after.
+    std::string data;       ///< The rows that filters are compared on; empty: none.
 };
 
 /// A user whom neither side knows.
@@ -41,6 +42,8 @@ struct DiffSummary {
     DiffHead head;
     std::vector<analysis::SettingChange> settings;
     std::array<unsigned long long, 4> counts{}; ///< Of users, indexed by analysis::Change.
+    unsigned long long gainCount = 0;           ///< Of users who see rows that they did not see.
+    unsigned long long refusedCount = 0;        ///< Of users with a filter that the engine refuses.
     unsigned long long unknownCount = 0;        ///< Of users whom neither side knows; `counts` holds them too.
     std::vector<UnknownUser> firstUnknown;      ///< At most five of them.
 };

@@ -3,7 +3,9 @@
 
 #include "analysis/trace/GrantOrigins.h"
 #include "analysis/trace/Trace.h"
+#include "tools/acfilter/render/Rows.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,7 +22,9 @@ struct Explanation {
     analysis::Trace trace;
     /// Of the fields of the trace, as analysis::GrantsOf gives them; empty when the security manager lists no grants.
     std::vector<analysis::FieldGrants> grants;
-    std::vector<std::string> notes; ///< Sentences about the changes that were tried.
+    std::vector<std::string> notes;              ///< Sentences about the changes that were tried.
+    std::optional<RowsSeen> rows;                ///< No value: the filter was not tried on rows.
+    std::optional<analysis::RecordTrace> record; ///< No value: no record was asked about.
 };
 
 std::string ExplanationText(const Explanation& explanation, const TextStyle& style);

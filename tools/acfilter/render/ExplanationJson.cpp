@@ -86,19 +86,25 @@ Json JsonOf(const std::vector<analysis::FieldTrace>& traced, const std::vector<a
 std::string ExplanationJson(const Explanation& explanation)
 {
     const analysis::Trace& trace = explanation.trace;
-    const Json object = {{"user", trace.request.userName},
-                         {"repository", trace.repository},
-                         {"login", !trace.request.withoutLogin},
-                         {"ip", trace.request.ipAddress},
-                         {"whatIf", ChangesJson(trace.tried, true)},
-                         {"outcome", NameOf(trace.answer.outcome)},
-                         {"because", TextOrNull(analysis::WhyNotComposed(trace))},
-                         {"group", trace.groupName ? Json(*trace.groupName) : Json(nullptr)},
-                         {"fields", JsonOf(trace.fields, explanation.grants, 0)},
-                         {"laterFields", JsonOf(trace.later, explanation.grants, trace.fields.size())},
-                         {"filter", trace.answer.filter},
-                         {"note", trace.answer.filter.empty() ? Json(noRestriction) : Json(nullptr)},
-                         {"notes", explanation.notes}};
+    Json object = {{"user", trace.request.userName},
+                   {"repository", trace.repository},
+                   {"login", !trace.request.withoutLogin},
+                   {"ip", trace.request.ipAddress},
+                   {"whatIf", ChangesJson(trace.tried, true)},
+                   {"outcome", NameOf(trace.answer.outcome)},
+                   {"because", TextOrNull(analysis::WhyNotComposed(trace))},
+                   {"group", trace.groupName ? Json(*trace.groupName) : Json(nullptr)},
+                   {"fields", JsonOf(trace.fields, explanation.grants, 0)},
+                   {"laterFields", JsonOf(trace.later, explanation.grants, trace.fields.size())},
+                   {"filter", trace.answer.filter},
+                   {"note", trace.answer.filter.empty() ? Json(noRestriction) : Json(nullptr)},
+                   {"notes", explanation.notes}};
+    if (explanation.rows) {
+        object["rows"] = RowsJson(*explanation.rows);
+    }
+    if (explanation.record) {
+        object["record"] = RecordJson(*explanation.record);
+    }
     return JsonLine(object);
 }
 

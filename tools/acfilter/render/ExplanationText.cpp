@@ -206,6 +206,41 @@ void WriteFilter(TextWriter& out, const analysis::Trace& trace)
     }
 }
 
+std::string ColumnText(const analysis::ColumnValue& column)
+{
+    return Printable(column.first) + (column.second ? " is " + Quoted(*column.second) : " is NULL");
+}
+
+std::string VerdictOf(const TextWriter& out, const analysis::ClauseOnRecord& clause, bool hidesAll)
+{
+    if (hidesAll && clause.holds && !*clause.holds) {
+        return "leaves no value, so the filter hides every record: " + out.Text(clause.clause);
+    }
+    if (!clause.holds) {
+        return fmt::format("cannot stand alone ({}): {}", Printable(clause.error), out.Text(clause.clause));
+    }
+    const std::string columns =
+        out.List(clause.columns.size(), [&](std::size_t n) { return ColumnText(clause.columns[n]); });
+    return fmt::format("{}: {}{}", *clause.holds ? "holds" : "does not hold", out.Text(clause.clause),
+                       columns.empty() ? "" : "; " + columns);
+}
+
+void WriteRecord(TextWriter& out, const analysis::RecordTrace& record, const analysis::Trace& trace)
+{
+    const bool isVisible = record.isVisible.value_or(false);
+    const char* verdict = !record.isVisible ? "the engine refuses the filter: "
+                          : isVisible       ? "visible to the user"
+                                            : "not visible to the user";
+    out.Raw("\n" + out.Coloured("Record " + Quoted(record.key), Colour::strong) + "\n" +
+            out.Coloured(verdict + Printable(record.error), isVisible ? Colour::good : Colour::alarm) + "\n");
+    for (const analysis::ClauseOnRecord& clause : record.clauses) {
+        const bool isAgainst = !clause.holds.value_or(false);
+        out.Line(3, clause.field.empty() ? NameOf(trace.answer.outcome) : Printable(clause.field),
+                 VerdictOf(out, clause, trace.answer.outcome == analysis::Outcome::hideAll),
+                 isAgainst ? Colour::alarm : Colour::none);
+    }
+}
+
 } // namespace
 
 std::string ExplanationText(const Explanation& explanation, const TextStyle& style)
@@ -230,6 +265,12 @@ std::string ExplanationText(const Explanation& explanation, const TextStyle& sty
     }
     std::for_each(trace.later.begin(), trace.later.end(), write);
     WriteFilter(out, trace);
+    if (explanation.rows) {
+        out.Raw("\n" + out.Coloured("Rows", Colour::strong) + "\n" + RowsText(*explanation.rows) + "\n");
+    }
+    if (explanation.record) {
+        WriteRecord(out, *explanation.record, trace);
+    }
     return std::move(out.text);
 }
 

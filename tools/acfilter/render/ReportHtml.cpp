@@ -48,13 +48,6 @@ const char* MeaningOf(analysis::Outcome outcome)
     }
 }
 
-std::string Percent(unsigned long long part, unsigned long long whole)
-{
-    constexpr unsigned long long perMille = 1000;
-    const unsigned long long share = whole == 0 ? 0 : (part * perMille + whole / 2) / whole;
-    return fmt::format("{}.{}", share / 10, share % 10);
-}
-
 std::string CountsTable(const OutcomeCounts& counts)
 {
     std::string table =
@@ -97,7 +90,40 @@ std::string Facts(const ReportHead& head, const OutcomeCounts& counts)
     const std::string asked = head.withoutLogin        ? "by name, without a log-in"
                               : head.ipAddress.empty() ? "by a log-in"
                                                        : "by a log-in from " + Isolated(head.ipAddress);
+    if (!head.data.empty()) {
+        facts += "<dt>Rows</dt><dd>" + Isolated(head.data) + "</dd>\n";
+    }
     return facts + fmt::format("<dt>Users</dt><dd>{}</dd>\n<dt>Asked</dt><dd>{}</dd>\n</dl>\n", counts.All(), asked);
+}
+
+std::string Sentences(const RowsSummary& rows, const ReportHead& head)
+{
+    std::string list;
+    for (const std::string& sentence : rows.InWords(head)) {
+        list += "<li>" + Isolated(sentence) + "</li>\n";
+    }
+    return list.empty()
+               ? list
+               : fmt::format("<ul id=\"rows\"{}>\n{}</ul>\n", rows.HasFaults() ? " class=\"alarm\"" : "", list);
+}
+
+// How many rows the filter lets through, with the share as a bar.
+std::string RowsCell(const ReportRow& row)
+{
+    if (!row.rows->error.empty()) {
+        return fmt::format(R"(<td class="alarm">{}</td>)", Isolated(RowsText(*row.rows)));
+    }
+    return fmt::format(R"(<td class="rows{}">{}{}<svg class="bar {}" viewBox="0 0 100 8" preserveAspectRatio="none" )"
+                       R"(aria-hidden="true"><rect width="{}" height="8"/></svg></td>)",
+                       row.ShowsHidden() ? " alarm" : "", RowsText(*row.rows), row.ShowsHidden() ? ": not hidden" : "",
+                       NameOf(row.outcome), Percent(row.rows->visible, row.rows->all));
+}
+
+const char* RecordCell(const RowsSeen& rows)
+{
+    return !rows.sees   ? "<td class=\"alarm\">unknown</td>"
+           : *rows.sees ? "<td class=\"sees\">sees</td>"
+                        : "<td class=\"not-asked\">does not see</td>";
 }
 
 std::string TableHead(const ReportHead& head)
@@ -111,6 +137,8 @@ std::string TableHead(const ReportHead& head)
         "<div class=\"wide\" id=\"table\" role=\"region\" aria-label=\"Who sees what\" tabindex=\"0\"><noscript>\n"
         "<table id=\"access\"><caption>Who sees what</caption>\n<thead><tr><th scope=\"col\">User</th>"
         "<th scope=\"col\">Group</th><th scope=\"col\">Outcome</th>";
+    table += head.data.empty() ? "" : "<th scope=\"col\">Rows</th>";
+    table += head.record ? "<th scope=\"col\">Record " + Isolated(*head.record) + "</th>" : "";
     for (const std::string& field : head.fields) {
         table += "<th scope=\"col\">" + Isolated(field) + "</th>";
     }
@@ -120,7 +148,8 @@ std::string TableHead(const ReportHead& head)
 class HtmlReport final : public ReportWriter {
 public:
     HtmlReport(const ReportHead& reportHead, TextOutput& textOutput)
-        : head(reportHead), output(textOutput), rows(textOutput.MakeWaitingLines())
+        : head(reportHead), output(textOutput), seeing(textOutput.MakeWaitingLines()),
+          rows(textOutput.MakeWaitingLines())
     {
     }
 
@@ -128,19 +157,24 @@ public:
     {
         std::string line = fmt::format(R"(<tr><th scope="row">{0}</th><td>{1}</td><td class="{2}">{2}</td>)",
                                        Isolated(row.user), Isolated(row.group.value_or("")), NameOf(row.outcome));
+        line += row.rows ? RowsCell(row) : "";
+        line += head.record ? RecordCell(*row.rows) : "";
         for (const ReportCell& cell : row.cells) {
             line += CellOf(cell);
         }
         line += row.filter.empty() ? fmt::format(R"(<td class="alarm">{}</td></tr>)", noRestriction)
                                    : fmt::format("<td><code>{}</code></td></tr>", Isolated(row.filter));
-        rows->Write(line + "\n");
+        (row.rows && row.rows->sees.value_or(false) ? seeing : rows)->Write(line + "\n");
         counts.Add(row.outcome);
     }
 
-    void Finish() override
+    void Finish(const RowsSummary& summary) override
     {
-        output.Write(PageHead(head) + Facts(head, counts) + CountsTable(counts) + TableHead(head));
-        rows->ForEachLine([&](std::string_view line) { output.Write(fmt::format("{}\n", line)); });
+        output.Write(PageHead(head) + Facts(head, counts) + CountsTable(counts) + Sentences(summary, head) +
+                     TableHead(head));
+        for (WaitingLines* lines : {seeing.get(), rows.get()}) {
+            lines->ForEachLine([&](std::string_view line) { output.Write(fmt::format("{}\n", line)); });
+        }
         output.Write("</tbody></table>\n</noscript></div>\n<script>" + std::string(pageScript) +
                      "</script>\n</body>\n</html>\n");
     }
@@ -161,7 +195,8 @@ private:
 
     const ReportHead& head;
     TextOutput& output;
-    std::unique_ptr<WaitingLines> rows;
+    std::unique_ptr<WaitingLines> seeing; // users who see the record that was asked about
+    std::unique_ptr<WaitingLines> rows;   // the other users
     OutcomeCounts counts;
 };
 

@@ -23,11 +23,17 @@ public:
                               {"values", hasValues && head.showValues ? Json(cell.values) : Json(nullptr)},
                               {"restrictsNothing", cell.restrictsNothing}});
         }
-        const Json object = {{"user", row.user},
-                             {"group", row.group ? Json(*row.group) : Json(nullptr)},
-                             {"outcome", NameOf(row.outcome)},
-                             {"fields", std::move(fields)},
-                             {"filter", row.filter}};
+        Json object = {{"user", row.user},
+                       {"group", row.group ? Json(*row.group) : Json(nullptr)},
+                       {"outcome", NameOf(row.outcome)},
+                       {"fields", std::move(fields)},
+                       {"filter", row.filter}};
+        if (row.rows) {
+            object["rows"] = RowsJson(*row.rows);
+        }
+        if (head.record) {
+            object["sees"] = row.rows->sees ? Json(*row.rows->sees) : Json(nullptr);
+        }
         output.Write(JsonLine(object));
     }
 

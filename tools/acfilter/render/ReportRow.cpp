@@ -46,7 +46,7 @@ std::string CellText(const ReportCell& cell, const std::string& values)
 
 ReportRow RowOf(const analysis::Trace& trace, std::size_t fieldCount)
 {
-    ReportRow row{trace.request.userName, trace.groupName, trace.answer.outcome, {}, trace.answer.filter};
+    ReportRow row{trace.request.userName, trace.groupName, trace.answer.outcome, {}, trace.answer.filter, {}};
     for (const analysis::FieldTrace& field : trace.fields) {
         row.cells.push_back(CellOf(field));
     }

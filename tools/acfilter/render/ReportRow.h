@@ -2,6 +2,7 @@
 #pragma once
 
 #include "analysis/trace/Trace.h"
+#include "tools/acfilter/render/Rows.h"
 
 #include <optional>
 #include <string>
@@ -28,6 +29,10 @@ struct ReportRow {
     analysis::Outcome outcome;
     std::vector<ReportCell> cells; ///< Of each field of the repository.
     std::string filter;
+    std::optional<RowsSeen> rows; ///< No value: the filter was not tried on rows.
+
+    /// Whether the filter that is to hide every record lets rows through.
+    bool ShowsHidden() const { return rows && rows->visible != 0 && outcome == analysis::Outcome::hideAll; }
 };
 
 /// `fieldCount` is the number of the repository's fields; the later ones that the trace lacks are "not asked".

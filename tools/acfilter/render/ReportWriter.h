@@ -6,7 +6,9 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace secm::acfilter {
@@ -28,6 +30,35 @@ struct ReportHead {
     std::vector<FileDigest> configuration; ///< Only for the form that shows them.
     std::string securityDatabase;          ///< Without secrets; empty: it is not named.
     std::string generated;                 ///< When, in UTC.
+    std::string data;                      ///< The rows that filters are tried on; empty: none.
+    std::optional<std::string> record;     ///< The key of the row that users are asked about.
+};
+
+/// What filters did on rows. Memory does not grow with the users.
+class RowsSummary {
+public:
+    void Add(const ReportRow& row);
+
+    /// Sentences for people: refused filters, hide-all filters that show rows, who sees the record, slow filters.
+    std::vector<std::string> InWords(const ReportHead& head) const;
+
+    /// Whether the engine refuses a filter, or one that is to hide every record shows rows.
+    bool HasFaults() const { return refused.count != 0 || exposed.count != 0; }
+
+private:
+    struct Named {
+        unsigned long long count = 0;
+        std::vector<std::string> first; // names
+    };
+    static void Add(Named& named, const std::string& user);
+    static std::string Listed(const Named& named);
+
+    unsigned long long users = 0;
+    unsigned long long seeing = 0;
+    Named refused;
+    Named exposed;
+    std::string firstError;
+    std::vector<std::pair<double, std::string>> slowest; // seconds and user, the slowest first
 };
 
 /// Writes to an output. Head and output must live as long as it does. Each operation throws std::runtime_error when it
@@ -36,7 +67,7 @@ class ReportWriter {
 public:
     virtual ~ReportWriter() = default;
     virtual void Add(const ReportRow& row) = 0;
-    virtual void Finish() {}
+    virtual void Finish(const RowsSummary& /*rows*/) {}
 };
 
 std::unique_ptr<ReportWriter> MakeTextReport(const ReportHead& head, TextOutput& output);

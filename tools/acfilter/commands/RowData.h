@@ -1,0 +1,25 @@
+// Opens the rows that --data names.
+#pragma once
+
+#include "analysis/data/DataSource.h"
+#include "tools/acfilter/commands/CommonOptions.h"
+
+#include <memory>
+#include <string>
+
+namespace secm::acfilter {
+
+/// Throws UsageError when the options do not fit each other.
+void RequireDataUse(const DataOptions& options);
+
+/// Null when no rows are named. Throws std::runtime_error when they cannot be read, or when --record names none of
+/// them.
+std::unique_ptr<analysis::DataSource> OpenRows(const DataOptions& options, unsigned timeoutSeconds);
+
+/// Whether one row can be told from the others.
+bool HasKeys(const DataOptions& options);
+
+/// The rows in words, without secrets; empty when none are named.
+std::string ShownRows(const DataOptions& options);
+
+} // namespace secm::acfilter
