@@ -1,6 +1,7 @@
 // Requests to the tracer. Only this file of the scenarios knows it.
 #pragma once
 
+#include "analysis/trace/GrantText.h"
 #include "analysis/trace/Tracer.h"
 #include "tests/Permissions.h"
 #include "tools/acfilter/commands/TriedChanges.h"
@@ -20,7 +21,7 @@ public:
         if (what == "try-attribute") {
             tried.attributes.insert(acfilter::AttributeFrom(change).value());
         } else if (what == "try-grant") {
-            tried.grants.push_back(acfilter::GrantFrom(change).value());
+            tried.grants.push_back(analysis::GrantFrom(change).value());
         } else if (what == "try-revoke") {
             tried.revocations.push_back({change});
         } else {

@@ -1,4 +1,5 @@
 // What administrators may try: their words for it, and what becomes of a user's permissions.
+#include "analysis/trace/GrantText.h"
 #include "analysis/trace/WhatIfDecorators.h"
 #include "tests/Permissions.h"
 #include "tools/acfilter/commands/TriedChanges.h"
@@ -26,7 +27,7 @@ TEST_P(WordsOfChangesTest, AreUnderstoodOrRefused)
 {
     const Lines& row = GetParam();
     if (row.at(1) == "--grant") {
-        const auto grant = secm::acfilter::GrantFrom(row.at(2));
+        const auto grant = secm::analysis::GrantFrom(row.at(2));
         EXPECT_EQ(grant ? Shown(*grant) : "refused", row.at(3));
     } else {
         const auto attribute = secm::acfilter::AttributeFrom(row.at(2));

@@ -11,6 +11,7 @@
 #include "tools/acfilter/commands/ExplainCommand.h"
 #include "tools/acfilter/commands/FilterCommand.h"
 #include "tools/acfilter/commands/ReportCommand.h"
+#include "tools/acfilter/commands/TestCommand.h"
 #include "tools/acfilter/io/OutputFile.h"
 
 #include <CLI/CLI.hpp>
@@ -52,8 +53,11 @@ CLI::Option* AddOption(CLI::App& command, const std::string& name, Value& value,
 
 void AddFormat(CLI::App& command, Format& format, const std::string& help, const std::vector<std::string>& names)
 {
-    static const std::map<std::string, Format> formats = {
-        {"text", Format::text}, {"csv", Format::csv}, {"json", Format::json}, {"html", Format::html}};
+    static const std::map<std::string, Format> formats = {{"text", Format::text},
+                                                          {"csv", Format::csv},
+                                                          {"json", Format::json},
+                                                          {"html", Format::html},
+                                                          {"junit", Format::junit}};
     const auto choose = [&format](const std::string& name) { format = formats.at(name); };
     TakeAsTyped(command.add_option_function<std::string>("--format", choose, help))->check(CLI::IsMember(names));
 }
@@ -63,6 +67,16 @@ struct Required {
     bool securityDatabase = true;
     bool repository = true;
 };
+
+void AddLimitAndLogOptions(CLI::App& command, HostOptions& options)
+{
+    AddOption(command, "--timeout", options.timeoutSeconds, "Limit for connecting and for each statement, in seconds")
+        ->type_name("SECONDS");
+    AddOption(command, "--log-level", options.logLevel, "Log this level and below: 3 failures ... 7 traces")
+        ->type_name("N");
+    AddOption(command, "--log-file", options.logFile, "Append the log to this file; else to standard error")
+        ->type_name("PATH");
+}
 
 void AddHostOptions(CLI::App& command, HostOptions& options, Required required)
 {
@@ -78,12 +92,7 @@ void AddHostOptions(CLI::App& command, HostOptions& options, Required required)
     AddOption(command, "-r,--repository", options.repository, "The repository of the configuration to ask")
         ->type_name("NAME")
         ->required(required.repository);
-    AddOption(command, "--timeout", options.timeoutSeconds, "Limit for connecting and for each statement, in seconds")
-        ->type_name("SECONDS");
-    AddOption(command, "--log-level", options.logLevel, "Log this level and below: 3 failures ... 7 traces")
-        ->type_name("N");
-    AddOption(command, "--log-file", options.logFile, "Append the log to this file; else to standard error")
-        ->type_name("PATH");
+    AddLimitAndLogOptions(command, options);
 }
 
 void AddRequestOptions(CLI::App& command, RequestOptions& options, const std::string& formatHelp,
@@ -200,6 +209,35 @@ void AddOptions(CLI::App& command, DiffOptions& options)
     command.add_flag("--strict", options.isStrict, "Exit with 4 also when it is not known whether somebody sees more");
 }
 
+void AddOptions(CLI::App& command, TestOptions& options)
+{
+    AddOption(command, "FILE", options.files, "Suites of tests, in TOML")->type_name("");
+    AddOption(command, "--only", options.only, "Run the test of this name; may be given several times")
+        ->allow_extra_args(false)
+        ->type_name("NAME");
+    command.add_flag("--fail-fast", options.failFast, "Run no test behind one that failed");
+    AddFormat(command, options.format, "text for people; json: one object a line; junit: XML for build servers",
+              {"text", "json", "junit"});
+    command.add_flag("--coverage", options.showCoverage, "Show what no test reaches in the rules");
+    AddOption(command, "--min-coverage", options.leastCoverage, "Exit with 3 when the tests reach less of the rules")
+        ->type_name("PERCENT");
+    command.add_flag("--allow-command", options.allowCommand, "Start the program that a suite names for its rows");
+    command.add_flag("--init", options.init, "Write a suite from what is true today to standard output");
+    AddOption(command, "-c,--config", options.host.configuration,
+              "The configuration, in place of the suite's; with --init, the one to ask")
+        ->type_name("PATH");
+    AddOption(command, "-s,--security", options.host.securityDatabase, "With --init: the security database")
+        ->type_name("CONNECT");
+    AddOption(command, "-r,--repository", options.host.repository, "With --init: the repository")->type_name("NAME");
+    AddOption(command, "--users-from", options.usersFrom,
+              "With --init: a file of user names; else every user of the security database")
+        ->type_name("FILE");
+    AddDataOptions(command, options.data,
+                   "With --init: count rows of sqlite3://db=FILE, postgresql://... or "
+                   "command:PROGRAM ARGS");
+    AddLimitAndLogOptions(command, options.host);
+}
+
 class CommandLine {
 public:
     CommandLine()
@@ -213,6 +251,7 @@ public:
                    RunReport);
         AddCommand("diff", "Show who would see more or less with another configuration or other permissions", diff,
                    RunDiff);
+        AddCommand("test", "Run tests of the rules, and show which expectation is not met", test, RunTest);
     }
 
     bool HasCommand(const std::string& name) const
@@ -270,6 +309,7 @@ private:
     CheckOptions check;
     ReportOptions report;
     DiffOptions diff;
+    TestOptions test;
 };
 
 } // namespace

@@ -17,7 +17,7 @@ struct HostOptions {
     std::optional<std::string> logFile;
 };
 
-enum class Format { text, csv, json, html };
+enum class Format { text, csv, json, html, junit };
 
 /// How users are asked for, and how the answers are written.
 struct RequestOptions {

@@ -1,8 +1,7 @@
-// Parses the values of the options --attribute and --grant.
+// Parses the values of the options --attribute, --grant and --revoke.
 #pragma once
 
 #include "analysis/trace/WhatIf.h"
-#include "platform/security_manager/PermissionBase.h"
 #include "tools/acfilter/commands/CommonOptions.h"
 
 #include <optional>
@@ -13,10 +12,6 @@ namespace secm::acfilter {
 
 /// NAME=VALUE, where the value may be empty. No value when `text` has another form.
 std::optional<std::pair<std::string, std::string>> AttributeFrom(const std::string& text);
-
-/// NAME:VALUE[:RESOURCE], where the value is a whole number from 0 to 4294967295 and without a resource the permission
-/// is held outright. No value when `text` has another form.
-std::optional<PermissionBase> GrantFrom(const std::string& text);
 
 /// The changes of the options. Throws UsageError for a text of another form.
 analysis::WhatIf WhatIfFrom(const ChangeOptions& options);
