@@ -70,12 +70,13 @@ private:
 
     toml::table Parse() const
     {
+        std::error_code ignored;
+        const bool isFolder = std::filesystem::is_directory(file, ignored);
         std::ifstream stream(file, std::ios::binary);
-        const std::string content{std::istreambuf_iterator<char>(stream), {}};
-        if (!stream.is_open() || stream.bad() || std::filesystem::is_directory(file)) {
-            throw SuiteError({file, 1, 1},
-                             fmt::format("cannot be read: {}", std::strerror(errno != 0 ? errno : EISDIR)));
+        if (isFolder || !stream.is_open()) {
+            Refuse({file, 1, 1}, fmt::format("cannot be read: {}", std::strerror(isFolder ? EISDIR : errno)));
         }
+        const std::string content{std::istreambuf_iterator<char>(stream), {}};
         try {
             return toml::parse(content, file);
         } catch (const toml::parse_error& error) {
@@ -142,6 +143,10 @@ private:
         Names texts;
         for (const toml::node& element : *array) {
             const auto* number = element.as_integer();
+            if (takesNumbers && number == nullptr && !element.is_string()) {
+                Refuse(PlaceOf(element.source()),
+                       fmt::format("each element of {} must be a text between quotes, or a whole number", name));
+            }
             texts.push_back(takesNumbers && number != nullptr ? std::to_string(number->get())
                                                               : TextOf(element, "each element of " + name));
         }

@@ -46,9 +46,8 @@ public:
         ++results.tests;
         results.failures += result.failures.empty() ? 0U : 1U;
         results.seconds += result.seconds;
-        std::string text =
-            fmt::format("    <testcase name=\"{}\" classname=\"{}\" line=\"{}\" time=\"{:.6f}\"",
-                        XmlText(result.test->name), XmlText(suite.file), result.test->place.line, result.seconds);
+        std::string text = fmt::format("    <testcase name=\"{}\" classname=\"{}\" time=\"{:.6f}\"",
+                                       XmlText(result.test->name), XmlText(suite.file), result.seconds);
         text += result.failures.empty() ? "/>\n" : ">\n";
         for (const analysis::Failure& failure : result.failures) {
             text += fmt::format(

@@ -31,7 +31,7 @@ public:
                 text += LabelledLine(1, "user", Quoted(failure.user));
             }
             user = &failure.user;
-            text += LabelledLine(3, Printable(SubjectOf(failure)), "");
+            text += fmt::format("   {}\n", Printable(SubjectOf(failure)));
             text += LabelledLine(5, "expected", Printable(failure.expected)) +
                     LabelledLine(5, "found", Printable(failure.found));
             text += failure.because.empty() ? "" : LabelledLine(5, "because", Printable(failure.because));
