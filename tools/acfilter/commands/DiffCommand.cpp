@@ -280,8 +280,7 @@ ExitStatus RunDiff(const DiffOptions& options)
     file.Finish();
     const DiffSummary& summary = writer.Summary();
     RequireSomebody(summary);
-    const bool somebodySeesMore = summary.Holds(analysis::Change::wider) || summary.gainCount != 0 ||
-                                  (options.isStrict && summary.Holds(analysis::Change::changed));
+    const bool somebodySeesMore = summary.HasMore() || (options.isStrict && summary.HasUnsettled());
     return somebodySeesMore ? ExitStatus::somebodySeesMore : ExitStatus::success;
 }
 

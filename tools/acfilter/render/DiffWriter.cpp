@@ -23,13 +23,22 @@ const char* TitleOf(analysis::Change change, bool isOnRows)
     }
 }
 
+bool HasSetting(const std::vector<analysis::SettingChange>& settings, analysis::Change change)
+{
+    return std::any_of(settings.begin(), settings.end(),
+                       [change](const analysis::SettingChange& each) { return each.change == change; });
+}
+
 } // namespace
 
 bool DiffSummary::Holds(analysis::Change change) const
 {
-    return CountOf(change) != 0 ||
-           std::any_of(settings.begin(), settings.end(),
-                       [change](const analysis::SettingChange& each) { return each.change == change; });
+    return CountOf(change) != 0 || HasSetting(settings, change);
+}
+
+bool DiffSummary::HasUnsettled() const
+{
+    return unsettledCount != 0 || HasSetting(settings, analysis::Change::changed);
 }
 
 DiffWriter::DiffWriter(DiffHead head, TextOutput& textOutput, bool forPrograms, bool isFull)
@@ -45,6 +54,8 @@ void DiffWriter::Add(const analysis::UserChange& user)
 {
     const auto kind = static_cast<std::size_t>(user.change);
     ++summary.counts.at(kind);
+    const bool isSettled = user.rows && user.rows->error.empty();
+    summary.unsettledCount += user.change == analysis::Change::changed && !isSettled ? 1U : 0U;
     summary.gainCount += user.rows && user.rows->gained != 0 ? 1U : 0U;
     summary.refusedCount += user.rows && !user.rows->error.empty() ? 1U : 0U;
     if (kind < users.size()) {

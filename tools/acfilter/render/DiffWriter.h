@@ -39,10 +39,17 @@ struct DiffSummary {
     /// Whether a user or a setting has this change.
     bool Holds(analysis::Change change) const;
 
+    /// Whether a user sees more: by values or outcome, or by rows.
+    bool HasMore() const { return Holds(analysis::Change::wider) || gainCount != 0; }
+
+    /// Whether there is a change of which it is not known, also not by rows, whether somebody sees more.
+    bool HasUnsettled() const;
+
     DiffHead head;
     std::vector<analysis::SettingChange> settings;
     std::array<unsigned long long, 4> counts{}; ///< Of users, indexed by analysis::Change.
     unsigned long long gainCount = 0;           ///< Of users who see rows that they did not see.
+    unsigned long long unsettledCount = 0;      ///< Of users whose change is `changed`, without an answer of rows.
     unsigned long long refusedCount = 0;        ///< Of users with a filter that the engine refuses.
     unsigned long long unknownCount = 0;        ///< Of users whom neither side knows; `counts` holds them too.
     std::vector<UnknownUser> firstUnknown;      ///< At most five of them.
