@@ -34,14 +34,14 @@ std::string CodeItem(const std::string& table, const std::string& code)
     return fmt::format("the code '{}' of the table '{}'", code, table);
 }
 
-constexpr const char* held = "is held outright";
-constexpr const char* restricted = "restricts a user";
-constexpr const char* noValue = "leaves a user no value";
-constexpr const char* oneValue = "is filled by one value";
-constexpr const char* severalValues = "is filled by several values";
-constexpr const char* attribute = "is filled by an attribute";
-constexpr const char* isUsed = "is used";
-constexpr const char* isEmpty = "adds nothing";
+constexpr const char* heldOutright = "is held outright";
+constexpr const char* restrictsUser = "restricts a user";
+constexpr const char* leavesNoValue = "leaves a user no value";
+constexpr const char* byOneValue = "is filled by one value";
+constexpr const char* bySeveralValues = "is filled by several values";
+constexpr const char* byAttribute = "is filled by an attribute";
+constexpr const char* isInFilter = "is used";
+constexpr const char* addsNothing = "adds nothing";
 
 bool HasValuesPlace(const ConditionRule& condition)
 {
@@ -66,23 +66,23 @@ Coverage::Coverage(const RepositoryRules& rules)
     }
     Expect(OutcomeItem(Outcome::unknownUser));
     for (const auto& field : rules.fields) {
-        for (const char* what : {held, restricted, noValue}) {
+        for (const char* what : {heldOutright, restrictsUser, leavesNoValue}) {
             Expect(FieldItem(*field, what));
         }
         for (const ConditionRule& condition : field->conditions) {
             const bool hasAttribute =
                 HasTokenPlace(condition) || (!field->myField.empty() && HasValuesPlace(condition));
             if (HasValuesPlace(condition)) {
-                Expect(ConditionItem(*field, condition, oneValue));
-                Expect(ConditionItem(*field, condition, severalValues));
+                Expect(ConditionItem(*field, condition, byOneValue));
+                Expect(ConditionItem(*field, condition, bySeveralValues));
             } else if (!hasAttribute) {
-                Expect(ConditionItem(*field, condition, isUsed));
+                Expect(ConditionItem(*field, condition, isInFilter));
             }
             if (hasAttribute) {
-                Expect(ConditionItem(*field, condition, attribute));
+                Expect(ConditionItem(*field, condition, byAttribute));
             }
             if (!condition.mandatoryTokens.empty()) {
-                Expect(ConditionItem(*field, condition, isEmpty));
+                Expect(ConditionItem(*field, condition, addsNothing));
             }
             if (condition.isMapped && condition.function == codeFunction) {
                 tables.insert(condition.functionConfiguration);
@@ -114,7 +114,9 @@ void Coverage::Add(const Trace& trace)
 
 void Coverage::AddField(const FieldTrace& field)
 {
-    Reach(FieldItem(*field.rule, field.isHeld ? held : field.conditions.empty() ? noValue : restricted));
+    Reach(FieldItem(*field.rule, field.isHeld               ? heldOutright
+                                 : field.conditions.empty() ? leavesNoValue
+                                                            : restrictsUser));
     for (const ConditionTrace& condition : field.conditions) {
         AddCondition(field, condition);
     }
@@ -124,18 +126,18 @@ void Coverage::AddCondition(const FieldTrace& field, const ConditionTrace& condi
 {
     const ConditionRule& rule = *condition.rule;
     if (condition.text.empty()) {
-        Reach(ConditionItem(*field.rule, rule, isEmpty));
+        Reach(ConditionItem(*field.rule, rule, addsNothing));
         return;
     }
     const std::vector<std::string> values = ValuesOf(field);
     const bool isOfAttribute = std::any_of(field.values.begin(), field.values.end(), [](const ValueTrace& value) {
         return value.attribute.has_value() && !value.value.empty();
     });
-    Reach(ConditionItem(*field.rule, rule, isUsed));
+    Reach(ConditionItem(*field.rule, rule, isInFilter));
     if (!condition.attributes.empty() || isOfAttribute) {
-        Reach(ConditionItem(*field.rule, rule, attribute));
+        Reach(ConditionItem(*field.rule, rule, byAttribute));
     }
-    Reach(ConditionItem(*field.rule, rule, values.size() == 1 ? oneValue : severalValues));
+    Reach(ConditionItem(*field.rule, rule, values.size() == 1 ? byOneValue : bySeveralValues));
     if (rule.isMapped && rule.function == codeFunction) {
         for (const std::string& code : values) {
             Reach(CodeItem(rule.functionConfiguration, code));

@@ -14,7 +14,7 @@ namespace secm::analysis {
 
 namespace {
 
-constexpr const char* tables = R"(
+constexpr const char* securityTables = R"(
 PRAGMA journal_mode = OFF;
 PRAGMA synchronous = OFF;
 BEGIN;
@@ -45,7 +45,7 @@ public:
         const int result = sqlite3_open(file.c_str(), &opened);
         handle.reset(opened);
         Require(result == SQLITE_OK);
-        Run(tables);
+        Run(securityTables);
     }
 
     void Run(const char* statements)

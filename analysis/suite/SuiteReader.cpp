@@ -18,7 +18,7 @@ namespace secm::analysis {
 
 namespace {
 
-using Names = std::vector<std::string>;
+using TextList = std::vector<std::string>;
 
 class SuiteReader {
 public:
@@ -84,7 +84,7 @@ private:
         }
     }
 
-    void RequireKnown(const toml::table& table, const Names& known) const
+    void RequireKnown(const toml::table& table, const TextList& known) const
     {
         for (auto&& [key, value] : table) {
             const std::string name(key.str());
@@ -134,13 +134,13 @@ private:
     }
 
     // A list of texts; of keys, where whole numbers stand for their digits.
-    Names List(const toml::node& node, const std::string& name, bool takesNumbers) const
+    TextList List(const toml::node& node, const std::string& name, bool takesNumbers) const
     {
         const toml::array* array = node.as_array();
         if (array == nullptr) {
             Refuse(PlaceOf(node.source()), fmt::format("{} must be a list: [\"...\", \"...\"]", name));
         }
-        Names texts;
+        TextList texts;
         for (const toml::node& element : *array) {
             const auto* number = element.as_integer();
             if (takesNumbers && number == nullptr && !element.is_string()) {
@@ -153,10 +153,10 @@ private:
         return texts;
     }
 
-    Names Keys(const toml::table& table, const std::string& name) const
+    TextList Keys(const toml::table& table, const std::string& name) const
     {
         const toml::node* node = table.get(name);
-        return node == nullptr ? Names() : List(*node, name, true);
+        return node == nullptr ? TextList() : List(*node, name, true);
     }
 
     std::string PathOf(const std::string& path) const { return (folder / path).string(); }
@@ -201,7 +201,7 @@ private:
     }
 
     template <class Handle>
-    void ForEachTable(const toml::table& root, const std::string& key, const Names& known, Handle handle) const
+    void ForEachTable(const toml::table& root, const std::string& key, const TextList& known, Handle handle) const
     {
         const toml::table* tables = Table(root, key);
         if (tables == nullptr) {
@@ -219,7 +219,7 @@ private:
 
     void ReadUsers(const toml::table& root, SuiteUsers& read) const
     {
-        Names groups;
+        TextList groups;
         ForEachTable(root, "groups", {"grants"}, [&](const std::string& name, const toml::table& table) {
             read.groups[name] = GrantsOf(table);
             groups.push_back(name);
@@ -331,21 +331,21 @@ private:
         }
     }
 
-    Names UsersOf(const toml::table& table, const SuiteTest& test, const Suite& suite) const
+    TextList UsersOf(const toml::table& table, const SuiteTest& test, const Suite& suite) const
     {
         const std::optional<std::string> one = Text(table, "user");
         const toml::node* several = table.get("users");
         if (one.has_value() == (several != nullptr)) {
             Refuse(PlaceOf(table, one ? "users" : "name"), "a test needs either user or users");
         }
-        const Names users = one ? Names{*one} : List(*several, "users", false);
+        const TextList users = one ? TextList{*one} : List(*several, "users", false);
         if (users.empty()) {
             Refuse(PlaceOf(table, "users"), "the list of users is empty, so the test asserts nothing");
         }
         for (const std::string& user : users) {
             const bool isUnknown = !suite.security && suite.users.users.count(user) == 0;
             if (isUnknown && test.outcome != Outcome::unknownUser) {
-                Names known;
+                TextList known;
                 for (const auto& [name, ignored] : suite.users.users) {
                     known.push_back(name);
                 }
@@ -407,7 +407,7 @@ private:
                 }
                 expected.kind = word->get() == "all" ? ExpectedValues::Kind::all : ExpectedValues::Kind::none;
             } else {
-                const Names values = List(node, "values", true);
+                const TextList values = List(node, "values", true);
                 expected.values.insert(values.begin(), values.end());
             }
             test.values.push_back(std::move(expected));
@@ -432,7 +432,7 @@ Suite ReadSuite(const std::string& file)
 
 std::string WhyNoTest(const std::vector<Suite>& suites, const std::string& name)
 {
-    Names names;
+    TextList names;
     for (const Suite& suite : suites) {
         for (const SuiteTest& test : suite.tests) {
             names.push_back(test.name);
