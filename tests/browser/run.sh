@@ -59,6 +59,30 @@ expect "without a script, every row is there" "16" "$(grep -c '^<tr><th scope="r
 expect "the security database is named, without secrets" "sqlite3://db=$scratch/security.db" \
     "$(sed -nE 's/.*<dt>Security database<.dt><dd><bdi>(.*)<.bdi><.dd>/\1/p' "$report")"
 
+# With rows: bars in proportion, those who see the record first, and the other script's facts on a narrow window.
+sqlite3 -bail "$scratch/documents.db" <examples/documents/documents.sql
+"$acfilter" report -c examples/documents/archive.toml -s "sqlite3://db=$scratch/security.db" -r documents --format html \
+    --data "sqlite3://db=$scratch/documents.db" --table documents --key id --record 17 --output "$report"
+{ grep -v '^<meta http-equiv="Content-Security-Policy"' "$report"; echo "<script>$(<tests/browser/page.js)</script>"; } \
+    >"$scratch/open.html"
+expect "rows: 390 pixels wide, nothing is cut off and the summary stacks" "wider than the window: false
+summary: grid" "$(facts --window-size=390,900 | grep -E '^(wider|summary)')"
+{
+    grep -v '^<meta http-equiv="Content-Security-Policy"' "$report"
+    cat <<'END'
+<script>
+  document.title = Array.from(document.querySelectorAll("#access tbody tr")).filter((row) => row.querySelector("svg"))
+    .filter((row) => ["ines", "vera", "tom", "hugo"].includes(row.cells[0].textContent)).map((row) => {
+      const bar = row.querySelector("svg"), share = row.querySelector("rect").getBoundingClientRect().width;
+      return `${row.cells[0].textContent} ${Math.round(100 * share / bar.getBoundingClientRect().width)} ${row.cells[4].textContent}`;
+    }).join(", ");
+</script>
+END
+} >"$scratch/bars.html"
+expect "bars in proportion, and those who see the record first" \
+    "ines 50 sees, vera 100 sees, hugo 20 does not see, tom 0 does not see" \
+    "$(browse --dump-dom "$scratch/bars.html" | sed -n 's/.*<title>\(.*\)<.title>.*/\1/p')"
+
 seq -f 'user%03g' 250 >"$scratch/users.txt"
 "$acfilter" report -c "$scratch/archive.toml" -s "sqlite3://db=$scratch/security.db" -r "$hostile" --format html \
     --users-from "$scratch/users.txt" --output "$report"

@@ -1,5 +1,5 @@
-// One tracer and one connection serve all users, one after the other. Rows that wait for the summary are kept in a
-// file, so memory does not grow with the number of users.
+// One tracer and one connection serve all users, one after the other, in a thread of their own. Rows that wait for the
+// summary are kept in a file, so memory does not grow with the number of users.
 #include "tools/acfilter/commands/ReportCommand.h"
 
 #include "analysis/data/DataSource.h"
@@ -14,6 +14,7 @@
 #include "tools/acfilter/commands/Log.h"
 #include "tools/acfilter/commands/RowData.h"
 #include "tools/acfilter/commands/UserSource.h"
+#include "tools/acfilter/io/BoundedQueue.h"
 #include "tools/acfilter/io/OutputFile.h"
 #include "tools/acfilter/io/Progress.h"
 #include "tools/acfilter/io/StandardStreams.h"
@@ -23,10 +24,12 @@
 #include <array>
 #include <chrono>
 #include <ctime>
+#include <exception>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace secm::acfilter {
@@ -90,12 +93,12 @@ public:
     {
     }
 
-    std::optional<RowsSeen> RowsOf(const analysis::Answer& answer)
+    std::optional<RowsSeen> RowsOf(const std::string& text)
     {
         if (!data) {
             return std::nullopt;
         }
-        const analysis::RowFilter filter = analysis::RowFilterOf(answer);
+        const analysis::RowFilter filter = text.empty() ? analysis::RowFilter() : text;
         const auto start = std::chrono::steady_clock::now();
         RowsSeen rows{0, all, {}, {}, 0};
         try {
@@ -116,6 +119,58 @@ private:
     const std::uint64_t all;
 };
 
+// The rows of the report without what they show of --data, made by a thread: the module composes while an engine
+// counts.
+class ComposedRows {
+public:
+    /// The tracer belongs to the thread until the object is destroyed.
+    ComposedRows(const ReportOptions& options, analysis::Tracer& tracer, std::size_t fieldCount)
+        : thread([this, &options, &tracer, fieldCount] { Compose(options, tracer, fieldCount); })
+    {
+    }
+    ~ComposedRows()
+    {
+        rows.Cancel();
+        thread.join();
+    }
+    ComposedRows(const ComposedRows&) = delete;
+    ComposedRows& operator=(const ComposedRows&) = delete;
+
+    /// No value behind the last user. Throws what the composition of the next row threw.
+    std::optional<ReportRow> Next() { return rows.Pop(); }
+
+private:
+    struct NotWanted {};
+
+    void Compose(const ReportOptions& options, analysis::Tracer& tracer, std::size_t fieldCount)
+    {
+        const auto add = [&](const std::string& userName) {
+            const analysis::Request request{userName, options.request.ipAddress, options.request.withoutLogin};
+            if (!rows.Push(RowOf(AskFor(userName, [&] { return tracer.Explain(request); }), fieldCount))) {
+                throw NotWanted();
+            }
+        };
+        std::exception_ptr failure;
+        try {
+            if (options.usersFrom) {
+                ForEachUserOfFile(*options.usersFrom, add);
+            } else {
+                ForEachUserOfDatabase(options.host, add);
+            }
+        } catch (const NotWanted&) {
+            return;
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        rows.End(failure);
+    }
+
+    static constexpr std::size_t mostWaiting = 1000;
+
+    BoundedQueue<ReportRow> rows{mostWaiting};
+    std::thread thread;
+};
+
 RowsSummary WriteRows(const ReportOptions& options, analysis::Tracer& tracer, RowCounter& counter,
                       std::size_t fieldCount, ReportWriter& writer)
 {
@@ -123,22 +178,12 @@ RowsSummary WriteRows(const ReportOptions& options, analysis::Tracer& tracer, Ro
     const bool rowsAppear =
         !options.output && (options.request.format == Format::csv || options.request.format == Format::json);
     Progress progress(rowsAppear);
-    const auto addRow = [&](const std::string& userName) {
-        const analysis::Request request{userName, options.request.ipAddress, options.request.withoutLogin};
-        const ReportRow row = AskFor(userName, [&] {
-            const analysis::Trace trace = tracer.Explain(request);
-            ReportRow asked = RowOf(trace, fieldCount);
-            asked.rows = counter.RowsOf(trace.answer);
-            return asked;
-        });
-        summary.Add(row);
-        writer.Add(row);
+    ComposedRows rows(options, tracer, fieldCount);
+    while (std::optional<ReportRow> row = rows.Next()) {
+        row->rows = AskFor(row->user, [&] { return counter.RowsOf(row->filter); });
+        summary.Add(*row);
+        writer.Add(*row);
         progress.CountOne();
-    };
-    if (options.usersFrom) {
-        ForEachUserOfFile(*options.usersFrom, addRow);
-    } else {
-        ForEachUserOfDatabase(options.host, addRow);
     }
     if (progress.Count() == 0) {
         throw std::runtime_error("the security database holds no user, so there is nothing to report; check the "
