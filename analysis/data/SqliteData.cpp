@@ -181,7 +181,6 @@ SqliteData::SqliteData(Database opened, const DataPlace& place)
     sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, longestTextBytes);
     sqlite3_progress_handler(handle, instructionsBetweenLooks, &SqliteData::IsOverdue, this);
     sqlite3_set_authorizer(handle, &SqliteData::Authorize, this);
-    isRestricted = true;
 }
 
 int SqliteData::Authorize(void* self, int action, const char* first, const char* /*second*/, const char* database,

@@ -60,7 +60,6 @@ private:
     std::string quoted;    // for statements
     std::string keyColumn; // likewise; empty: none
     bool keyHasType = true;
-    bool isRestricted = false; // the authorizer refuses everything but reading the table
     std::chrono::steady_clock::time_point deadline;
 };
 

@@ -12,8 +12,13 @@ using testing::IsEmpty;
 namespace {
 
 using namespace secm::testing;
-using namespace secm::analysis;
 namespace analysis = secm::analysis;
+using analysis::ColumnValue;
+using analysis::DataError;
+using analysis::DataSource;
+using analysis::FilterRefused;
+using analysis::OpenData;
+using analysis::OpenDataOfStatements;
 
 // Row 4 has no area, so comparisons with it are neither true nor false.
 const std::string rows = R"(CREATE TABLE documents (id INTEGER PRIMARY KEY, area TEXT, pages INTEGER);
@@ -39,7 +44,7 @@ protected:
     {
         WorkspaceTest::SetUp();
         Write("rows.sql", rows);
-        const secm::testing::Outcome made = Run(std::string(GetParam()) + " security rows.sql");
+        const Outcome made = Run(std::string(GetParam()) + " security rows.sql");
         ASSERT_EQ(made.errors, "");
         connection = made.output.substr(0, made.output.find('\n'));
     }
@@ -79,7 +84,7 @@ TEST_P(DataTest, GivesWhatAFilterLetsThrough)
 TEST_P(DataTest, ComparesTwoFilters)
 {
     const auto data = Open();
-    const RowDifference difference = data->Difference("pages > 2", "area = 'north'", 2);
+    const analysis::RowDifference difference = data->Difference("pages > 2", "area = 'north'", 2);
     EXPECT_EQ(difference.count, 3U) << "that of NULL is one of them";
     EXPECT_THAT(difference.keys, ElementsAre("2", "3"));
     EXPECT_EQ(data->Difference("area = 'north'", std::nullopt, 1).count, 0U);
@@ -320,8 +325,8 @@ while read -r line; do printf '{"count":%d}\n' "${#line}"; done)");
 
 TEST(RowFilterTest, IsNoneWhereHostsApplyNone)
 {
-    EXPECT_EQ(RowFilterOf({"", analysis::Outcome::hideAll}), std::nullopt);
-    EXPECT_EQ(RowFilterOf({"1 = 0", analysis::Outcome::hideAll}), "1 = 0");
+    EXPECT_EQ(analysis::RowFilterOf({"", analysis::Outcome::hideAll}), std::nullopt);
+    EXPECT_EQ(analysis::RowFilterOf({"1 = 0", analysis::Outcome::hideAll}), "1 = 0");
 }
 
 } // namespace

@@ -27,7 +27,7 @@ std::string Explained(const std::string& text, const Lines& resources, const Tex
     for (const std::string& resource : resources) {
         field.values.push_back({resource, resource, std::nullopt});
     }
-    return ExplanationText({trace, {}, {}}, style);
+    return ExplanationText({trace, {}, {}, {}, {}}, style);
 }
 
 TEST(ExplanationTest, CutsLongTextsBetweenCharacters)

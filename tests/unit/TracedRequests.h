@@ -65,7 +65,7 @@ public:
 
     std::string Explained(const std::string& repository, const std::string& user, bool isByName) const
     {
-        return acfilter::ExplanationText({Traced(repository, user, isByName), {}, {}}, {});
+        return acfilter::ExplanationText({Traced(repository, user, isByName), {}, {}, {}, {}}, {});
     }
 
 private:
