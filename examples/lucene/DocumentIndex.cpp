@@ -90,14 +90,17 @@ class FoundDocuments : public Lucene::Collector {
 public:
     explicit FoundDocuments(std::size_t count) : isFound(count) {}
     void setScorer(const Lucene::ScorerPtr& /*scorer*/) override {}
-    void collect(int32_t document) override { isFound.at(static_cast<std::size_t>(firstOfSegment + document)) = true; }
-    void setNextReader(const Lucene::IndexReaderPtr& /*reader*/, int32_t first) override { firstOfSegment = first; }
+    void collect(int32_t document) override { isFound.at(firstOfSegment + static_cast<std::size_t>(document)) = true; }
+    void setNextReader(const Lucene::IndexReaderPtr& /*reader*/, int32_t first) override
+    {
+        firstOfSegment = static_cast<std::size_t>(first);
+    }
     bool acceptsDocsOutOfOrder() override { return true; }
 
     std::vector<bool> isFound;
 
 private:
-    int32_t firstOfSegment = 0;
+    std::size_t firstOfSegment = 0;
 };
 
 /// What Lucene says of a query, without the query and the list of tokens that could have come next.
