@@ -25,7 +25,7 @@ public:
 
 private:
     struct Finish {
-        void operator()(PGconn* server) const { PQfinish(server); }
+        void operator()(PGconn* connection) const { PQfinish(connection); }
     };
     struct Clear {
         void operator()(PGresult* result) const { PQclear(result); }

@@ -4,6 +4,8 @@
 #include "tests/integration/Workspace.h"
 
 #include <functional>
+#include <iterator>
+#include <random>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -151,6 +153,100 @@ TEST_P(DataTest, EndsWhatTakesTooLong)
               "f, documents g, documents h, documents i, documents j, documents k, documents l) > 0";
     EXPECT_THAT(MessageOf<FilterRefused>([&] { data->Count(endless); }), HasSubstr("not finished within 1 s"));
     EXPECT_EQ(data->Count("1 = 1"), 5U);
+}
+
+// Random conditions, so that what is counted directly, what is put in parentheses, single rows and differences agree.
+class RandomConditions {
+public:
+    explicit RandomConditions(unsigned seed) : random(seed) {}
+
+    std::string Next(int depth = 3)
+    {
+        switch (depth == 0 ? Pick(3) : Pick(8)) {
+        case 0:
+            return "area = '" + Value() + "'";
+        case 1:
+            return "pages " + std::string(Pick(2) == 0 ? "<" : ">=") + " " + std::to_string(Pick(6));
+        case 2:
+            return "area IN ('" + Value() + "', '" + Value() + "')";
+        case 3:
+            return "(" + Next(depth - 1) + ")";
+        case 4:
+            return "NOT (" + Next(depth - 1) + ")";
+        case 5:
+            return Next(depth - 1) + " -- " + Value() + "\n";
+        case 6:
+            return Next(depth - 1) + " OR " + Next(depth - 1);
+        default:
+            return Next(depth - 1) + " AND " + Next(depth - 1);
+        }
+    }
+
+private:
+    unsigned Pick(unsigned count) { return std::uniform_int_distribution<unsigned>(0, count - 1)(random); }
+
+    std::string Value()
+    {
+        const char* values[] = {"north", "south",        "it''s", "UNION", "x ORDER BY 1",
+                                "(",     "a) OR (1 = 1", "--",    "%",     ";"};
+        return values[Pick(std::size(values))];
+    }
+
+    std::mt19937 random;
+};
+
+TEST_P(DataTest, CountsAsItMatchesAndCompares)
+{
+    const auto data = Open();
+    RandomConditions conditions(7);
+    unsigned long long seen = 0;
+    for (int round = 0; round < 150; ++round) {
+        const std::string one = conditions.Next();
+        const std::string other = conditions.Next();
+        const std::uint64_t count = data->Count(one);
+        std::uint64_t matches = 0;
+        for (const char* key : {"1", "2", "3", "4", "10"}) {
+            matches += data->Matches(one, key) ? 1U : 0U;
+        }
+        EXPECT_EQ(count, matches) << one;
+        EXPECT_EQ(count, data->Keys(one, 9).size()) << one;
+        EXPECT_EQ(data->Difference(one, other, 0).count + data->Count("(" + one + "\n) AND (" + other + "\n)"), count)
+            << one << " without " << other;
+        EXPECT_EQ(data->Difference(std::nullopt, one, 9).count, 5 - count) << one;
+        seen += count;
+    }
+    EXPECT_GT(seen, 100U) << "the conditions find something";
+}
+
+// Values that a template puts between its quotes, as a careless host would pass them on.
+TEST_P(DataTest, SurvivesHostileValues)
+{
+    const auto data = Open();
+    const std::string before = Sql("SELECT count(*), sum(pages) FROM documents; SELECT * FROM secrets");
+    const char* values[] = {"x'; DELETE FROM documents; --",
+                            "x'; DROP TABLE secrets; --",
+                            "' OR (SELECT count(*) FROM secrets) > 0 OR '",
+                            "' UNION SELECT word FROM secrets --",
+                            "' || (SELECT word FROM secrets) || '",
+                            "'; COMMIT; DELETE FROM documents; BEGIN; --",
+                            "'; SET statement_timeout = 0; --",
+                            "'; ATTACH 'stolen.db' AS stolen; --",
+                            "'; COPY secrets TO '/tmp/stolen'; --",
+                            "'; PRAGMA writable_schema = 1; --",
+                            "' AND 1 = (SELECT 1 FROM documents FOR UPDATE) OR '",
+                            "'); UPDATE documents SET pages = 0; --"};
+    for (const char* value : values) {
+        const std::string filter = std::string("area = '") + value + "'";
+        try {
+            data->Count(filter);
+        } catch (const FilterRefused&) {
+            // as it should be
+        }
+        EXPECT_EQ(data->Count(std::nullopt), 5U) << filter;
+    }
+    EXPECT_EQ(Sql("SELECT count(*), sum(pages) FROM documents; SELECT * FROM secrets"), before);
+    EXPECT_FALSE(std::filesystem::exists("stolen.db"));
+    EXPECT_FALSE(std::filesystem::exists("/tmp/stolen"));
 }
 
 ON_BOTH_ENGINES(DataTest);

@@ -1,7 +1,7 @@
 #include "platform/security_manager/sql/DatabaseAccess.h"
 
-#include "platform/logging/Tmr_LogFile.h"
 #include "platform/database/ConnectionText.h"
+#include "platform/logging/Tmr_LogFile.h"
 
 #include <fmt/format.h>
 #include <soci/postgresql/soci-postgresql.h>

@@ -1,8 +1,8 @@
 #include "platform/security_manager/sql/DatabaseConnection.h"
 
 #include "platform/KeptUntilUnload.h"
-#include "platform/logging/Tmr_LogFile.h"
 #include "platform/database/ConnectionText.h"
+#include "platform/logging/Tmr_LogFile.h"
 #include "platform/security_manager/sql/DatabaseAccess.h"
 #include "platform/security_manager/sql/SecurityColumns.h"
 

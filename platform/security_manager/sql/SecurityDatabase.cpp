@@ -2,9 +2,9 @@
 // one statement, which sees one snapshot: the user, then the attributes, then the permissions.
 #include "platform/security_manager/sql/SecurityDatabase.h"
 
+#include "platform/database/ConnectionText.h"
 #include "platform/security_manager/SECM_Constants.h"
 #include "platform/security_manager/sql/AllowedTexts.h"
-#include "platform/database/ConnectionText.h"
 #include "platform/security_manager/sql/DatabaseAccess.h"
 #include "platform/security_manager/sql/DatabaseConnection.h"
 #include "platform/security_manager/sql/GrantedPermissions.h"

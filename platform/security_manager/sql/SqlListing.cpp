@@ -1,8 +1,8 @@
 // Lists a security database row by row.
 #include "platform/security_manager/SECM_Listing.h"
 
-#include "platform/security_manager/sql/AllowedTexts.h"
 #include "platform/database/ConnectionText.h"
+#include "platform/security_manager/sql/AllowedTexts.h"
 #include "platform/security_manager/sql/DatabaseAccess.h"
 #include "platform/security_manager/sql/DatabaseConnection.h"
 
