@@ -139,7 +139,7 @@ RowDifference CommandData::Difference(const RowFilter& filter, const RowFilter& 
     constexpr const char* expected = R"({"count":N,"keys":["KEY",...]}, with at most as many keys as asked for,)";
     const Json both = Json::array({FilterJson(filter), FilterJson(other)});
     const Json answer = Ask({{"difference", both}, {"limit", most}}, filter || other);
-    const RowDifference difference{CountIn(answer, expected), KeysIn(answer, most, expected)};
+    RowDifference difference{CountIn(answer, expected), KeysIn(answer, most, expected)};
     if (difference.keys.size() > difference.count || (difference.keys.empty() && difference.count != 0 && most != 0)) {
         RefuseAnswer(answer.dump(), expected);
     }

@@ -47,7 +47,7 @@ void RequireCall(bool holds, const char* what)
 
 } // namespace
 
-CommandProcess::CommandProcess(std::vector<std::string> words)
+CommandProcess::CommandProcess(const std::vector<std::string>& words)
 {
     try {
         Start(words);
@@ -96,6 +96,7 @@ void CommandProcess::Start(const std::vector<std::string>& words)
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
 
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (const std::string& word : words) {
         arguments.push_back(const_cast<char*>(word.c_str())); // not changed
     }

@@ -15,7 +15,7 @@ public:
     enum class End { answered, timedOut, ended };
 
     /// Starts the first of `words`, which is sought in PATH, with the others as its arguments. Throws DataError.
-    explicit CommandProcess(std::vector<std::string> words);
+    explicit CommandProcess(const std::vector<std::string>& words);
     CommandProcess(const CommandProcess&) = delete;
     CommandProcess& operator=(const CommandProcess&) = delete;
 

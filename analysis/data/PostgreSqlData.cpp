@@ -332,6 +332,7 @@ std::vector<std::string> PostgreSqlData::KeysWhere(const std::string& condition,
                                         keyColumn, table, condition, limit),
                             filters);
     std::vector<std::string> keys;
+    keys.reserve(static_cast<std::size_t>(PQntuples(rows.get())));
     for (int row = 0; row < PQntuples(rows.get()); ++row) {
         keys.push_back(FieldText(rows.get(), row, 0));
     }

@@ -338,7 +338,7 @@ private:
         if (one.has_value() == (several != nullptr)) {
             Refuse(PlaceOf(table, one ? "users" : "name"), "a test needs either user or users");
         }
-        const TextList users = one ? TextList{*one} : List(*several, "users", false);
+        TextList users = one ? TextList{*one} : List(*several, "users", false);
         if (users.empty()) {
             Refuse(PlaceOf(table, "users"), "the list of users is empty, so the test asserts nothing");
         }
