@@ -142,7 +142,7 @@ private:
     const std::set<std::string> only;
     std::deque<Covered> coverages; // which keeps its elements in place
     TestSummary summary;
-    Progress progress;
+    Progress progress{true, "tests"};
 };
 
 void RequireTestUse(const TestOptions& options)

@@ -19,8 +19,8 @@ bool OutputIsFile()
 
 } // namespace
 
-Progress::Progress(bool answersAppear)
-    : isWanted(isatty(STDERR_FILENO) != 0 && (!answersAppear || OutputIsFile())),
+Progress::Progress(bool answersAppear, const char* unit)
+    : isWanted(isatty(STDERR_FILENO) != 0 && (!answersAppear || OutputIsFile())), countedUnit(unit),
       nextUpdate(std::chrono::steady_clock::now() + updateInterval)
 {
 }
@@ -40,7 +40,7 @@ void Progress::CountOne()
     }
     const auto now = std::chrono::steady_clock::now();
     if (now >= nextUpdate) {
-        std::fprintf(stderr, "\racfilter: %llu users", count);
+        std::fprintf(stderr, "\racfilter: %llu %s", count, countedUnit);
         isShown = true;
         nextUpdate = now + updateInterval;
     }

@@ -1,4 +1,4 @@
-// A line on the terminal that shows how many users are done, while the answers go somewhere else.
+// A line on the terminal that shows how many users or tests are done, while the answers go somewhere else.
 #pragma once
 
 #include <chrono>
@@ -10,7 +10,8 @@ namespace secm::acfilter {
 /// line.
 class Progress {
 public:
-    explicit Progress(bool answersAppear = true);
+    /// `unit` is what is counted, in the plural; it must outlive the object.
+    explicit Progress(bool answersAppear = true, const char* unit = "users");
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -21,6 +22,7 @@ public:
 private:
     bool isWanted;
     bool isShown = false;
+    const char* countedUnit;
     unsigned long long count = 0;
     std::chrono::steady_clock::time_point nextUpdate;
 };
