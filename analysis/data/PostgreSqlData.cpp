@@ -1,5 +1,7 @@
 #include "analysis/data/PostgreSqlData.h"
 
+#include "analysis/data/SqlExpression.h"
+
 #include <fmt/format.h>
 
 #include <poll.h>
@@ -180,12 +182,14 @@ PostgreSqlData::Result PostgreSqlData::Own(const std::string& statement)
 PostgreSqlData::Result PostgreSqlData::Ask(const std::string& statement,
                                            std::initializer_list<const RowFilter*> filters)
 {
-    std::vector<std::string> alone;
+    std::vector<std::string> alone; // statements, which are not run
+    bool hasFilter = false;
     for (const RowFilter* filter : filters) {
+        hasFilter = hasFilter || *filter;
         if (*filter && (*filter)->find('\0') != std::string::npos) {
             throw FilterRefused("the filter contains a NUL character; the server would not read on");
         }
-        if (*filter) {
+        if (*filter && !IsExpressionOnly(**filter)) {
             alone.push_back("SELECT count(*) FROM " + table + " WHERE " + **filter);
         }
     }
@@ -199,7 +203,7 @@ PostgreSqlData::Result PostgreSqlData::Ask(const std::string& statement,
         send("BEGIN READ ONLY");
     }
     for (const std::string& text : alone) {
-        Send(PQsendPrepare(connection, "", text.c_str(), 0, nullptr)); // not run
+        Send(PQsendPrepare(connection, "", text.c_str(), 0, nullptr));
     }
     send(statement);
     Send(PQpipelineSync(connection));
@@ -236,7 +240,7 @@ PostgreSqlData::Result PostgreSqlData::Ask(const std::string& statement,
         }
     }
     if (failed) {
-        Fail(failed.get(), !alone.empty());
+        Fail(failed.get(), hasFilter);
     }
     return answer;
 }

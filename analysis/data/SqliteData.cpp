@@ -1,12 +1,10 @@
 #include "analysis/data/SqliteData.h"
 
-#include "analysis/check/QueryText.h"
-#include "analysis/check/WordCharacter.h"
+#include "analysis/data/SqlExpression.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <cerrno>
 #include <cstring>
@@ -27,43 +25,6 @@ std::string QuotedName(std::string_view name)
         quoted.append(character == '"' ? 1 : 0, '"').push_back(character);
     }
     return quoted + "\"";
-}
-
-// Whether the text, where SQLite takes it behind WHERE, is an expression and nothing more. False where that is not
-// certain. Words in names count as well, which is harmless.
-bool IsExpressionOnly(std::string_view filter)
-{
-    int depth = 0;
-    for (std::size_t at = 0; at < filter.size(); ++at) {
-        const char character = filter[at];
-        if (character == '\'' || character == '"') {
-            at = filter.find(character, at + 1); // the second of a doubled quote begins the next text
-            if (at == std::string_view::npos) {
-                return false;
-            }
-        } else if (IsWordCharacter(character)) {
-            std::size_t end = at;
-            while (end < filter.size() && IsWordCharacter(filter[end])) {
-                ++end;
-            }
-            constexpr std::array<std::string_view, 9> clauses = {"group",  "having", "order",     "limit",    "union",
-                                                                 "except", "window", "intersect", "returning"};
-            const std::string word = LowerCase(filter.substr(at, end - at));
-            if (std::find(clauses.begin(), clauses.end(), word) != clauses.end()) {
-                return false;
-            }
-            at = end - 1;
-        } else if (character == '(') {
-            ++depth;
-        } else if (character == ')') {
-            if (--depth < 0) {
-                return false;
-            }
-        } else if (std::string_view("=<>!,.+*% \n").find(character) == std::string_view::npos) {
-            return false; // the beginning of a comment, a semicolon, another quote ...
-        }
-    }
-    return depth == 0;
 }
 
 int RefuseOtherFiles(void* /*unused*/, int action, const char* /*first*/, const char* /*second*/,

@@ -14,20 +14,20 @@
 namespace secm::analysis {
 
 /// Counts only what can happen: a template without a token is never filled by an attribute. One thread at a time.
-class SECM_ANALYSIS_EXPORT Coverage {
+class Coverage {
 public:
     /// Reads the code tables of the configuration that is in force for the calling thread.
-    explicit Coverage(const RepositoryRules& rules);
+    SECM_ANALYSIS_EXPORT explicit Coverage(const RepositoryRules& rules);
 
-    void Add(const Trace& trace);
+    SECM_ANALYSIS_EXPORT void Add(const Trace& trace);
 
     /// What can be reached, how much of it was, and in words what was not, in the order of the rules.
     std::size_t All() const { return items.size(); }
     std::size_t Reached() const { return items.size() - missing.size(); }
-    std::vector<std::string> Missing() const;
+    SECM_ANALYSIS_EXPORT std::vector<std::string> Missing() const;
 
     /// Rounded down, so that 100 means everything; 100 as well when there is nothing to reach.
-    unsigned Percent() const;
+    SECM_ANALYSIS_EXPORT unsigned Percent() const;
 
 private:
     void AddField(const FieldTrace& field);

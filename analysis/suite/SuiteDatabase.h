@@ -10,16 +10,16 @@
 namespace secm::analysis {
 
 /// Its file stands in the folder for temporary files, and only its owner can read it. The destructor removes it.
-class SECM_ANALYSIS_EXPORT SuiteDatabase {
+class SuiteDatabase {
 public:
     /// Throws std::runtime_error when the file cannot be written.
-    explicit SuiteDatabase(const SuiteUsers& users);
-    ~SuiteDatabase();
+    SECM_ANALYSIS_EXPORT explicit SuiteDatabase(const SuiteUsers& users);
+    SECM_ANALYSIS_EXPORT ~SuiteDatabase();
     SuiteDatabase(const SuiteDatabase&) = delete;
     SuiteDatabase& operator=(const SuiteDatabase&) = delete;
 
     /// For InitSecurityConnection. Valid while this object lives.
-    std::string ConnectionText() const;
+    SECM_ANALYSIS_EXPORT std::string ConnectionText() const;
 
 private:
     void Fill(const SuiteUsers& users) const;

@@ -30,14 +30,14 @@ struct TestResult {
 };
 
 /// One object serves one thread. What it is given must outlive it.
-class SECM_ANALYSIS_EXPORT SuiteRun {
+class SuiteRun {
 public:
     /// `tracer` is connected to the users of the suite. `data` is null when the suite has no rows. Throws SuiteError
     /// when a test names a field that the repository lacks.
-    SuiteRun(const Suite& suite, Tracer& tracer, DataSource* data);
+    SECM_ANALYSIS_EXPORT SuiteRun(const Suite& suite, Tracer& tracer, DataSource* data);
 
     /// Throws what Tracer::Explain throws, and DataError.
-    TestResult Run(const SuiteTest& test);
+    SECM_ANALYSIS_EXPORT TestResult Run(const SuiteTest& test);
 
 private:
     class __attribute__((visibility("hidden"))) UserCheck;

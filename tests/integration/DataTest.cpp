@@ -51,9 +51,10 @@ protected:
         connection = made.output.substr(0, made.output.find('\n'));
     }
 
-    std::unique_ptr<DataSource> Open(const std::string& key = "id", const std::string& table = "documents") const
+    std::unique_ptr<DataSource> Open(const std::string& key = "id", const std::string& table = "documents",
+                                     unsigned timeoutSeconds = 20) const
     {
-        return OpenData({connection, table, key, 1});
+        return OpenData({connection, table, key, timeoutSeconds});
     }
 
     std::string OpeningError(const std::string& key, const std::string& table) const
@@ -145,7 +146,7 @@ TEST_P(DataTest, LetsNoFilterDoMoreThanRead)
 
 TEST_P(DataTest, EndsWhatTakesTooLong)
 {
-    const auto data = Open();
+    const auto data = Open("id", "documents", 1);
     const std::string endless =
         isPostgreSql
             ? "pg_sleep(60) IS NULL"
@@ -275,7 +276,7 @@ TEST_P(PostgreSqlDataTest, TakesNoRoleThatMayDoMore)
 
 TEST_P(PostgreSqlDataTest, KeepsNothingOfAFilter)
 {
-    const auto data = Open();
+    const auto data = Open("id", "documents", 1);
     EXPECT_EQ(data->Count("pg_try_advisory_lock(7) AND set_config('statement_timeout', '0', false) = '0'"), 5U);
     EXPECT_EQ(Sql("SELECT count(*) FROM pg_locks WHERE locktype = 'advisory' AND objid = 7"), "0\n");
     EXPECT_THROW(data->Count("pg_sleep(60) IS NULL"), FilterRefused) << "the limit holds for the next question";
@@ -331,11 +332,11 @@ TEST_F(StatementsTest, CompareKeysOfColumnsWithoutAType)
 // Programs that answer questions about rows.
 class CommandDataTest : public WorkspaceTest {
 protected:
-    std::unique_ptr<DataSource> Open(const std::string& script) const
+    std::unique_ptr<DataSource> Open(const std::string& script, unsigned timeoutSeconds = 20) const
     {
         Write("engine", "#!/bin/sh\n" + script);
         std::filesystem::permissions(Path("engine"), std::filesystem::perms::owner_all);
-        return OpenData({"command:" + Path("engine") + " first  second", "", "", 1});
+        return OpenData({"command:" + Path("engine") + " first  second", "", "", timeoutSeconds});
     }
 
     // Of a program that gives this answer to everything.
@@ -407,7 +408,8 @@ TEST_F(CommandDataTest, MayDieHangOrBeMissing)
     // Started anew after it hung, so that a late answer is not taken for that of the next question.
     const auto hanging = Open(R"(while read -r line; do
     case $line in *slow*) sleep 2; echo '{"count":1}' ;; *) echo '{"count":2}' ;; esac
-done)");
+done)",
+                              1);
     EXPECT_EQ(MessageOf<FilterRefused>([&] { hanging->Count("slow"); }), "not finished within 1 s");
     EXPECT_EQ(hanging->Count("fast"), 2U);
 }
