@@ -61,7 +61,7 @@ std::vector<std::string> RowsSummary::InWords(const ReportHead& head) const
 {
     std::vector<std::string> sentences;
     if (refused.count != 0) {
-        sentences.push_back(fmt::format("The engine refuses the filters of {} {}: {}. It says of the first: {}",
+        sentences.push_back(fmt::format("The engine refuses the filters of {} {}: {}; it says of the first: {}",
                                         refused.count, Users(refused.count), Listed(refused), firstError));
     }
     if (exposed.count != 0) {
