@@ -101,6 +101,10 @@ public:
 
     void CheckAnswer()
     {
+        if (!test.outcome && trace.answer.outcome == Outcome::unknownUser) {
+            Fail("user", "", "a user whom the security manager knows", "an unknown user",
+                 OrNoRestriction(trace.answer.filter));
+        }
         if (test.outcome && *test.outcome != trace.answer.outcome) {
             Fail("outcome", "", NameOf(*test.outcome), NameOf(trace.answer.outcome),
                  OrNoRestriction(trace.answer.filter));

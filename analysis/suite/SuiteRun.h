@@ -15,7 +15,7 @@ class Tracer;
 /// An assertion that does not hold for a user.
 struct Failure {
     std::string user;
-    std::string what; ///< "outcome", "filter", "count", "rows", "roads", "sees" or "hides"; or "values".
+    std::string what; ///< "outcome", "filter", "count", "rows", "roads", "user", "values", "sees" or "hides".
     std::string name; ///< The field of "values", the key of "sees" and "hides"; else empty.
     std::string expected;
     std::string found;

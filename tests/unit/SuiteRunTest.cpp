@@ -168,11 +168,20 @@ TEST_F(SuiteRunTest, ComparesTheValuesInTheFilter)
     for (const Kind kind : {Kind::all, Kind::none, Kind::values}) {
         EXPECT_THAT(failures("none", {"own", kind, {}, {}}), ElementsAre(HasSubstr("not asked")))
             << "asked before: kind";
-        EXPECT_THAT(failures("nobody", {"area", kind, {}, {}}), ElementsAre(HasSubstr("not asked")));
+        EXPECT_THAT(failures("nobody", {"area", kind, {}, {}}),
+                    ElementsAre(HasSubstr("an unknown user"), HasSubstr("not asked")));
     }
     analysis::SuiteTest unknown = Test("all");
     unknown.values = {Values("are", {})};
     EXPECT_THROW(Failures(unknown), analysis::SuiteError);
+}
+
+TEST_F(SuiteRunTest, FailsForAMisspeltUser)
+{
+    analysis::SuiteTest test = Test("Some");
+    test.filter = "public";
+    EXPECT_THAT(Failures(test),
+                ElementsAre("Some user: a user whom the security manager knows / an unknown user / public"));
 }
 
 TEST_F(SuiteRunTest, AsksOnBothRoads)

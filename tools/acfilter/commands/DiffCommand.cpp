@@ -168,7 +168,7 @@ public:
           data(OpenRows(options.data, options.host.timeoutSeconds))
     {
         if (data) {
-            data->Count(std::nullopt); // fails here when the rows cannot be read
+            CountAll(*data); // fails here when the rows cannot be read
         }
         RequireFields(options.excluding, before.Rules(), after.Rules());
     }

@@ -23,7 +23,7 @@ namespace {
 
 RowsSeen RowsOf(analysis::DataSource& data, const analysis::Answer& answer)
 {
-    RowsSeen rows{0, data.Count(std::nullopt), {}, {}, 0};
+    RowsSeen rows{0, CountAll(data), {}, {}, 0};
     try {
         rows.visible = data.Count(analysis::RowFilterOf(answer));
     } catch (const analysis::FilterRefused& error) {

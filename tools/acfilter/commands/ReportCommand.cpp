@@ -89,7 +89,7 @@ class RowCounter {
 public:
     explicit RowCounter(const ReportOptions& options)
         : record(options.data.record), data(OpenRows(options.data, options.host.timeoutSeconds)),
-          all(data ? data->Count(std::nullopt) : 0)
+          all(data ? CountAll(*data) : 0)
     {
     }
 

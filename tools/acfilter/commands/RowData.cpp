@@ -60,6 +60,15 @@ std::unique_ptr<analysis::DataSource> OpenRows(const DataOptions& options, unsig
     }
 }
 
+std::uint64_t CountAll(analysis::DataSource& data)
+{
+    try {
+        return data.Count(std::nullopt);
+    } catch (const analysis::DataError& error) {
+        throw std::runtime_error(fmt::format("--data: the rows cannot be counted: {}", error.what()));
+    }
+}
+
 bool HasKeys(const DataOptions& options)
 {
     return !options.key.empty() || IsCommand(options);

@@ -4,6 +4,7 @@
 #include "analysis/data/DataSource.h"
 #include "tools/acfilter/commands/CommonOptions.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -15,6 +16,9 @@ void RequireDataUse(const DataOptions& options);
 /// Null when no rows are named. Throws std::runtime_error when they cannot be read, or when --record names none of
 /// them.
 std::unique_ptr<analysis::DataSource> OpenRows(const DataOptions& options, unsigned timeoutSeconds);
+
+/// How many rows there are. Throws std::runtime_error when they cannot be read.
+std::uint64_t CountAll(analysis::DataSource& data);
 
 /// Whether one row can be told from the others.
 bool HasKeys(const DataOptions& options);
